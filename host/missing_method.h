@@ -1,0 +1,7 @@
+// Words the failure to find a managed method.
+#pragma once
+
+#include <string>
+
+std::string missing_method_error_message(const char *assembly, const char *type, const char *method,
+                                         int error);
