@@ -1,0 +1,34 @@
+"""Property tests run on the real runtime through kelmor.harness, and say how many cases they ran."""
+
+import collections
+
+import pytest
+
+CASES = collections.Counter()
+
+
+@pytest.fixture
+def count_case(request):
+    """A function that counts one case (or several) for the file of the test that calls it."""
+    name = request.node.path.stem.removeprefix("test_")
+
+    def count(cases=1):
+        CASES[name] += cases
+
+    return count
+
+
+def pytest_sessionfinish(session):
+    # With xdist the cases are counted in the workers; each hands its figures to the controller.
+    if hasattr(session.config, "workeroutput"):
+        session.config.workeroutput["property_cases"] = dict(CASES)
+
+
+def pytest_testnodedown(node, error):
+    CASES.update(getattr(node, "workeroutput", {}).get("property_cases", {}))
+
+
+def pytest_terminal_summary(terminalreporter):
+    if CASES:
+        figures = ", ".join(f"{name} {count:,}" for name, count in sorted(CASES.items()))
+        terminalreporter.write_line(f"property cases: {figures}; {sum(CASES.values()):,} in all")
