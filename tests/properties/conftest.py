@@ -3,6 +3,11 @@
 import collections
 
 import pytest
+from hypothesis import HealthCheck, settings
+
+# The counting fixture is made once for all examples of a test, which is what it is for.
+settings.register_profile("counted", suppress_health_check=[HealthCheck.function_scoped_fixture])
+settings.load_profile("counted")
 
 CASES = collections.Counter()
 
