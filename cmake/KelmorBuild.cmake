@@ -20,6 +20,8 @@ if(CCACHE)
 endif()
 
 add_compile_options(-Wall -Wextra -Werror)
+# The records of the interpreter are named field by field; what is not named is zero.
+add_compile_options(-Wno-missing-field-initializers)
 # A unique symbol would be shared by all modules of the family that one process has loaded.
 add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 # The reference-counted string is the object that type names cross the boundary in.
