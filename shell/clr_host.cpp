@@ -42,3 +42,9 @@ int initialize_clr_host(std::string first_name, const char *assembly_name, bool 
     }
     return 0;
 }
+
+int start_clr_host(const char *module_name, const char *assembly_name) {
+    const std::string name = module_name;
+    return initialize_clr_host(std::string(), assembly_name, false, name.substr(0, name.find('.')),
+                               name.substr(name.rfind('.') + 1));
+}

@@ -22,3 +22,7 @@ extern const ClrCallbacks clr_callbacks; // defined in collections/
 // through: without a runtime the process ends. The first string and `product_name` reach nothing.
 int initialize_clr_host(std::string first_name, const char *assembly_name, bool debug,
                         std::string family_name, std::string product_name);
+
+// initialize_clr_host for the module of that name: its first part is the family, the last one the
+// product.
+int start_clr_host(const char *module_name, const char *assembly_name);

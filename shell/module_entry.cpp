@@ -7,13 +7,10 @@
 
 #include "shell/add_object.h"
 #include "shell/cast_result.h"
-#include "shell/clr_host.h"
 #include "shell/identifiers.h"
 #include "shell/import.h"
 #include "shell/import_errors.h"
 #include "shell/version.h"
-
-#include <string_view>
 
 namespace {
 
@@ -32,19 +29,12 @@ int take_cast_result_factory(const char *importer) {
     return 0;
 }
 
-// The first part of the module's name is the family, the last one the product.
-int start_runtime(const ModuleDescription &module) {
-    const std::string_view name = module.name;
-    return initialize_clr_host(std::string(), module.assembly, false,
-                               std::string(name.substr(0, name.find('.'))),
-                               std::string(name.substr(name.rfind('.') + 1)));
-}
-
 // 0, or the code of the step that failed.
 int prepare(const ModuleDescription &module) {
     if (module.import_capsules && module.import_capsules() < 0) return -1009;
     if (module.uses_cast_results && take_cast_result_factory(module.name) < 0) return -1008;
-    if (module.assembly && start_runtime(module) < 0) return -1007;
+    if (module.start_runtime && module.start_runtime(module.name, module.assembly) < 0)
+        return -1007;
     return 0;
 }
 
