@@ -67,8 +67,9 @@ PyObject *cast_from(PyObject *self, PyObject *type,
 // _reinterpret_obj of an interface.
 PyObject *refuse_reinterpretation(const PyTypeObject *interface, PyObject *object);
 
-// A managed Type, from a call that gave `status` and wrote `handle`.
-PyObject *managed_type_result(int status, void *handle);
+// A managed Type from the handle that a call wrote. Its status adds nothing: a call that failed has
+// left an error, and one that gave 0 without an error has written a handle like any other.
+PyObject *managed_type_result(void *handle);
 
 // The family tests: a class wrapper; a class or struct wrapper.
 int accept_class_wrapper(PyObject *object, VariantArg *out);
@@ -117,40 +118,25 @@ template <PyTypeObject *Type> PyObject *cast_interface_to_py(const CastValue &va
 template <class Host, bool (*Invalidate)(), PyObject *(*ToPy)(void *)>
 constexpr CastOperations class_casts() {
     using Calls = CastCalls<Host, void *>;
-    return {Invalidate,
-            accept_class_wrapper,
-            Calls::type_of,
-            Calls::cast_to,
-            Calls::cast_as_of_handle,
-            Calls::is_assignable_of_handle,
-            Calls::reinterpret,
-            cast_handle_to_py<ToPy>};
+    return {Invalidate,         accept_class_wrapper,     Calls::type_of,
+            Calls::cast_to,     Calls::cast_as_of_handle, Calls::is_assignable_of_handle,
+            Calls::reinterpret, cast_handle_to_py<ToPy>};
 }
 
 template <class Host, bool (*Invalidate)(), PyObject *(*ToPy)(void *)>
 constexpr CastOperations struct_casts() {
     using Calls = CastCalls<Host, void *>;
-    return {Invalidate,
-            accept_any_wrapper,
-            Calls::type_of,
-            Calls::cast_to,
-            Calls::cast_as_of_variant,
-            Calls::is_assignable_of_variant,
-            Calls::reinterpret,
-            cast_handle_to_py<ToPy>};
+    return {Invalidate,         accept_any_wrapper,        Calls::type_of,
+            Calls::cast_to,     Calls::cast_as_of_variant, Calls::is_assignable_of_variant,
+            Calls::reinterpret, cast_handle_to_py<ToPy>};
 }
 
 template <class Host, bool (*Invalidate)(), PyTypeObject *Type>
 constexpr CastOperations interface_casts() {
     using Calls = CastCalls<Host, void *>;
-    return {Invalidate,
-            accept_any_wrapper,
-            Calls::type_of,
-            Calls::cast_to,
-            Calls::cast_as_of_variant,
-            Calls::is_assignable_of_variant,
-            nullptr,
-            cast_interface_to_py<Type>};
+    return {Invalidate,     accept_any_wrapper,        Calls::type_of,
+            Calls::cast_to, Calls::cast_as_of_variant, Calls::is_assignable_of_variant,
+            nullptr,        cast_interface_to_py<Type>};
 }
 
 // `ToPy` is the enumeration's converter, whose parameter is its number.

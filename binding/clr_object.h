@@ -22,8 +22,7 @@
 
 // All modules of the family share this layout: they read each other's handles in place.
 struct PyClrObject {
-    PyObject_HEAD
-    void *handle;
+    PyObject_HEAD void *handle;
 };
 static_assert(sizeof(PyClrObject) == sizeof(PyObject) + sizeof(void *) &&
               offsetof(PyClrObject, handle) == sizeof(PyObject));
@@ -36,7 +35,8 @@ inline void *handle_of(PyObject *wrapper) noexcept {
 // wrapped is released at once.
 PyObject *fn_py_clr_type_generic_new(void *handle, PyTypeObject *type);
 
-// The flavour is told by the deallocator alone, the cheapest exact test of a wrapper of this module.
+// The flavour is told by the deallocator alone, the cheapest exact test of a wrapper of this
+// module.
 bool fn_is_this_module_clr_object(PyObject *object);
 bool fn_is_this_module_clr_instance(PyObject *object, int *kind); // 0 class, 1 struct
 

@@ -23,6 +23,7 @@
 // `int btp_AsUniEnum(Number, void **)`. The other built-ins are those of casts.h with enum_casts.
 #pragma once
 
+#include "binding/casts.h"
 #include "shell/cpython.h"
 
 #include <cstddef>
@@ -69,8 +70,10 @@ bool check_enum_member(PyObject *value, PyTypeObject *type, const char *name);
 PyObject *enum_member_of(PyObject *number, PyTypeObject *type);
 
 template <class Number> PyObject *enum_number_to_py(Number value) {
-    if constexpr (static_cast<Number>(-1) < 0) return signed_number_to_py(value);
-    else return unsigned_number_to_py(value);
+    if constexpr (static_cast<Number>(-1) < 0)
+        return signed_number_to_py(value);
+    else
+        return unsigned_number_to_py(value);
 }
 
 template <class Number> bool enum_number_of(PyObject *member, Number *out) {
@@ -97,17 +100,16 @@ template <class Number> PyObject *enum_to_py(Number value, PyTypeObject *type) {
     return enum_member_of(enum_number_to_py(value), type);
 }
 
-// The tails of get_type and _as_uni_enum: a status and the handle that the call wrote.
-PyObject *enum_type_result(int status, void *handle);
-PyObject *uni_enum_result(int status, void *handle);
+// A managed Enum from the handle that a call wrote.
+PyObject *uni_enum_result(void *handle);
 
 template <class Host, class Number>
 PyObject *enum_get_type(PyObject *member, bool (*invalidate)()) {
     Number value;
     if (invalidate() || !enum_number_of(member, &value)) return nullptr;
     void *handle = nullptr;
-    const int status = Host::get_instance().btp_GetType(value, &handle);
-    return enum_type_result(status, handle);
+    Host::get_instance().btp_GetType(value, &handle);
+    return managed_type_result(handle);
 }
 
 template <class Host, class Number>
@@ -115,6 +117,6 @@ PyObject *enum_as_uni_enum(PyObject *member, bool (*invalidate)()) {
     Number value;
     if (invalidate() || !enum_number_of(member, &value)) return nullptr;
     void *handle = nullptr;
-    const int status = Host::get_instance().btp_AsUniEnum(value, &handle);
-    return uni_enum_result(status, handle);
+    Host::get_instance().btp_AsUniEnum(value, &handle);
+    return uni_enum_result(handle);
 }

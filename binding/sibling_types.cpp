@@ -1,0 +1,8 @@
+// The converters of sibling types, null until the import fills them.
+#include "binding/sibling_types.h"
+
+SiblingClassToPy wrpPyl_convcaps_clr_to_py_C08ECFAB_Type;
+SiblingClassFromPy wrpPyl_trancaps_py_to_clr_C08ECFAB_Type;
+SiblingClassToPy wrpPyl_convcaps_clr_to_py_359C4ED8_Object;
+SiblingClassFromPy wrpPyl_trancaps_py_to_clr_359C4ED8_Object;
+SiblingClassToPy wrpPyl_convcaps_clr_to_py_738AFABA_Enum;
