@@ -165,9 +165,6 @@ internal unsafe struct PyStreamCallbacks
 /// <summary>Where the native side's callbacks are kept once the exchange host has been given them.</summary>
 internal static unsafe class PyApi
 {
-    /// <summary>Slots of the table of tables that the native side hands over.</summary>
-    public const int StaticTableCount = 9;
-
     // The exception bridge and the builders, each handed over by a setter of its own.
     internal static delegate* unmanaged<nint, nint, void> OnException;
     internal static delegate* unmanaged<nint*, PyStringArg*, int> CatchAndClearError;
@@ -202,6 +199,20 @@ internal static unsafe class PyApi
         List = (PyListCallbacks*)tables[6];
         Sequence = (PySequenceCallbacks*)tables[7];
         Stream = (PyStreamCallbacks*)tables[8];
+    }
+
+    /// <summary>Throws when the native side left something out.</summary>
+    internal static void CheckComplete()
+    {
+        bool builders = OnException != null && CatchAndClearError != null && CreateU16 != null
+            && CreateString != null && CreateUnraisableString != null && CreateBytes != null;
+        bool tables = Object != null && Read != null && Write != null && Buffer != null && Tpo != null
+            && Iter != null && Collection != null && List != null && Sequence != null
+            && Stream != null;
+        if (!builders || !tables)
+        {
+            throw new InvalidOperationException("The native side handed over too few callbacks.");
+        }
     }
 
     /// <summary>A new reference to None.</summary>

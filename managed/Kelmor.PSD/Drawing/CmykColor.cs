@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A colour in cyan, magenta, yellow and black, 0 no ink to 255 full ink.</summary>
-public readonly struct CmykColor : IEquatable<CmykColor>
+public readonly struct CmykColor
 {
     private readonly uint value; // 0xCCMMYYKK
 
@@ -47,9 +47,9 @@ public readonly struct CmykColor : IEquatable<CmykColor>
 
     public static bool operator !=(CmykColor left, CmykColor right) => left.value != right.value;
 
-    public bool Equals(CmykColor other) => value == other.value;
+    private bool Same(CmykColor other) => value == other.value;
 
-    public override bool Equals(object? obj) => obj is CmykColor other && Equals(other);
+    public override bool Equals(object? obj) => obj is CmykColor other && Same(other);
 
     public override int GetHashCode() => value.GetHashCode();
 

@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A colour in RGB with alpha, 0 to 255 in each channel, not premultiplied.</summary>
-public readonly partial struct Color : IEquatable<Color>
+public readonly partial struct Color
 {
     private readonly int argb; // 0xAARRGGBB
     private readonly KnownColor known; // None for a colour that was made from numbers
@@ -115,14 +115,14 @@ public readonly partial struct Color : IEquatable<Color>
 
     private int Smallest => Math.Min(R, Math.Min(G, B));
 
-    public static bool operator ==(Color left, Color right) => left.Equals(right);
+    public static bool operator ==(Color left, Color right) => left.Same(right);
 
-    public static bool operator !=(Color left, Color right) => !left.Equals(right);
+    public static bool operator !=(Color left, Color right) => !left.Same(right);
 
     /// <summary>Same number and same name: a named colour differs from the same number without a name.</summary>
-    public bool Equals(Color other) => argb == other.argb && known == other.known && isSet == other.isSet;
+    private bool Same(Color other) => argb == other.argb && known == other.known && isSet == other.isSet;
 
-    public override bool Equals(object? obj) => obj is Color other && Equals(other);
+    public override bool Equals(object? obj) => obj is Color other && Same(other);
 
     public override int GetHashCode() => HashCode.Combine(argb, known, isSet);
 

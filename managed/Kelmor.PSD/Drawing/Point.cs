@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A position in whole pixels; y grows downwards.</summary>
-public struct Point : IEquatable<Point>
+public struct Point
 {
     /// <summary>A position from its two coordinates.</summary>
     public Point(int x, int y)
@@ -37,9 +37,9 @@ public struct Point : IEquatable<Point>
 
     public static Point operator -(Point point, Size size) => Subtract(point, size);
 
-    public static bool operator ==(Point left, Point right) => left.Equals(right);
+    public static bool operator ==(Point left, Point right) => left.Same(right);
 
-    public static bool operator !=(Point left, Point right) => !left.Equals(right);
+    public static bool operator !=(Point left, Point right) => !left.Same(right);
 
     /// <summary>Moves this position by another one.</summary>
     public void Offset(Point point) => Offset(point.X, point.Y);
@@ -66,9 +66,9 @@ public struct Point : IEquatable<Point>
     /// <summary>Both coordinates cut towards zero.</summary>
     public static Point Truncate(PointF point) => new(Rounding.Cut(point.X), Rounding.Cut(point.Y));
 
-    public readonly bool Equals(Point other) => X == other.X && Y == other.Y;
+    private readonly bool Same(Point other) => X == other.X && Y == other.Y;
 
-    public override readonly bool Equals(object? obj) => obj is Point other && Equals(other);
+    public override readonly bool Equals(object? obj) => obj is Point other && Same(other);
 
     public override readonly int GetHashCode() => HashCode.Combine(X, Y);
 

@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A position in fractional pixels; y grows downwards.</summary>
-public struct PointF : IEquatable<PointF>
+public struct PointF
 {
     /// <summary>A position from its two coordinates.</summary>
     public PointF(float x, float y)
@@ -35,9 +35,9 @@ public struct PointF : IEquatable<PointF>
 
     public static PointF operator -(PointF point, SizeF size) => Subtract(point, size);
 
-    public static bool operator ==(PointF left, PointF right) => left.Equals(right);
+    public static bool operator ==(PointF left, PointF right) => left.Same(right);
 
-    public static bool operator !=(PointF left, PointF right) => !left.Equals(right);
+    public static bool operator !=(PointF left, PointF right) => !left.Same(right);
 
     /// <summary>Moves this position by another one.</summary>
     public void Offset(PointF point) => Offset(point.X, point.Y);
@@ -55,9 +55,9 @@ public struct PointF : IEquatable<PointF>
     /// <summary>The position moved left and up by a size.</summary>
     public static PointF Subtract(PointF point, SizeF size) => new(point.X - size.Width, point.Y - size.Height);
 
-    public readonly bool Equals(PointF other) => X == other.X && Y == other.Y;
+    private readonly bool Same(PointF other) => X == other.X && Y == other.Y;
 
-    public override readonly bool Equals(object? obj) => obj is PointF other && Equals(other);
+    public override readonly bool Equals(object? obj) => obj is PointF other && Same(other);
 
     public override readonly int GetHashCode() => HashCode.Combine(X, Y);
 

@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A rectangle in whole pixels; its right and lower edges lie outside.</summary>
-public struct Rectangle : IEquatable<Rectangle>
+public struct Rectangle
 {
     /// <summary>A rectangle from its upper left corner and its two lengths.</summary>
     public Rectangle(int x, int y, int width, int height)
@@ -97,9 +97,9 @@ public struct Rectangle : IEquatable<Rectangle>
 
     public static implicit operator RectangleF(Rectangle rect) => new(rect.X, rect.Y, rect.Width, rect.Height);
 
-    public static bool operator ==(Rectangle left, Rectangle right) => left.Equals(right);
+    public static bool operator ==(Rectangle left, Rectangle right) => left.Same(right);
 
-    public static bool operator !=(Rectangle left, Rectangle right) => !left.Equals(right);
+    public static bool operator !=(Rectangle left, Rectangle right) => !left.Same(right);
 
     /// <summary>The rectangle with two opposite corners.</summary>
     public static Rectangle FromPoints(Point point1, Point point2) => FromLeftTopRightBottom(
@@ -200,10 +200,10 @@ public struct Rectangle : IEquatable<Rectangle>
         }
     }
 
-    public readonly bool Equals(Rectangle other) =>
+    private readonly bool Same(Rectangle other) =>
         X == other.X && Y == other.Y && Width == other.Width && Height == other.Height;
 
-    public override readonly bool Equals(object? obj) => obj is Rectangle other && Equals(other);
+    public override readonly bool Equals(object? obj) => obj is Rectangle other && Same(other);
 
     public override readonly int GetHashCode() => HashCode.Combine(X, Y, Width, Height);
 

@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A rectangle in fractional pixels; its right and lower edges lie outside.</summary>
-public struct RectangleF : IEquatable<RectangleF>
+public struct RectangleF
 {
     /// <summary>A rectangle from its upper left corner and its two lengths.</summary>
     public RectangleF(float x, float y, float width, float height)
@@ -95,9 +95,9 @@ public struct RectangleF : IEquatable<RectangleF>
     /// <summary>True when a length is not positive.</summary>
     public readonly bool IsEmpty => Width <= 0 || Height <= 0;
 
-    public static bool operator ==(RectangleF left, RectangleF right) => left.Equals(right);
+    public static bool operator ==(RectangleF left, RectangleF right) => left.Same(right);
 
-    public static bool operator !=(RectangleF left, RectangleF right) => !left.Equals(right);
+    public static bool operator !=(RectangleF left, RectangleF right) => !left.Same(right);
 
     /// <summary>The rectangle with two opposite corners.</summary>
     public static RectangleF FromPoints(PointF point1, PointF point2) => FromLeftTopRightBottom(
@@ -186,10 +186,10 @@ public struct RectangleF : IEquatable<RectangleF>
         }
     }
 
-    public readonly bool Equals(RectangleF other) =>
+    private readonly bool Same(RectangleF other) =>
         X == other.X && Y == other.Y && Width == other.Width && Height == other.Height;
 
-    public override readonly bool Equals(object? obj) => obj is RectangleF other && Equals(other);
+    public override readonly bool Equals(object? obj) => obj is RectangleF other && Same(other);
 
     public override readonly int GetHashCode() => HashCode.Combine(X, Y, Width, Height);
 

@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A width and a height in whole pixels.</summary>
-public struct Size : IEquatable<Size>
+public struct Size
 {
     /// <summary>The size from the origin to a position.</summary>
     public Size(Point point)
@@ -37,9 +37,9 @@ public struct Size : IEquatable<Size>
 
     public static Size operator -(Size left, Size right) => Subtract(left, right);
 
-    public static bool operator ==(Size left, Size right) => left.Equals(right);
+    public static bool operator ==(Size left, Size right) => left.Same(right);
 
-    public static bool operator !=(Size left, Size right) => !left.Equals(right);
+    public static bool operator !=(Size left, Size right) => !left.Same(right);
 
     /// <summary>Sum of two sizes.</summary>
     public static Size Add(Size size1, Size size2) => new(size1.Width + size2.Width, size1.Height + size2.Height);
@@ -56,9 +56,9 @@ public struct Size : IEquatable<Size>
     /// <summary>Both lengths rounded to the nearest whole number, halves to the even one.</summary>
     public static Size Round(SizeF size) => new(Rounding.Nearest(size.Width), Rounding.Nearest(size.Height));
 
-    public readonly bool Equals(Size other) => Width == other.Width && Height == other.Height;
+    private readonly bool Same(Size other) => Width == other.Width && Height == other.Height;
 
-    public override readonly bool Equals(object? obj) => obj is Size other && Equals(other);
+    public override readonly bool Equals(object? obj) => obj is Size other && Same(other);
 
     public override readonly int GetHashCode() => HashCode.Combine(Width, Height);
 

@@ -2,7 +2,7 @@
 namespace Kelmor.PSD;
 
 /// <summary>A width and a height in fractional pixels.</summary>
-public struct SizeF : IEquatable<SizeF>
+public struct SizeF
 {
     /// <summary>The size from the origin to a position.</summary>
     public SizeF(PointF point)
@@ -35,9 +35,9 @@ public struct SizeF : IEquatable<SizeF>
 
     public static SizeF operator -(SizeF left, SizeF right) => Subtract(left, right);
 
-    public static bool operator ==(SizeF left, SizeF right) => left.Equals(right);
+    public static bool operator ==(SizeF left, SizeF right) => left.Same(right);
 
-    public static bool operator !=(SizeF left, SizeF right) => !left.Equals(right);
+    public static bool operator !=(SizeF left, SizeF right) => !left.Same(right);
 
     /// <summary>Sum of two sizes.</summary>
     public static SizeF Add(SizeF size1, SizeF size2) => new(size1.Width + size2.Width, size1.Height + size2.Height);
@@ -51,9 +51,9 @@ public struct SizeF : IEquatable<SizeF>
     /// <summary>Both lengths cut towards zero.</summary>
     public readonly Size ToSize() => Size.Truncate(this);
 
-    public readonly bool Equals(SizeF other) => Width == other.Width && Height == other.Height;
+    private readonly bool Same(SizeF other) => Width == other.Width && Height == other.Height;
 
-    public override readonly bool Equals(object? obj) => obj is SizeF other && Equals(other);
+    public override readonly bool Equals(object? obj) => obj is SizeF other && Same(other);
 
     public override readonly int GetHashCode() => HashCode.Combine(Width, Height);
 
