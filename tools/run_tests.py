@@ -66,12 +66,12 @@ def run_pytest(options, folders):
     links = pytest_path(options)
     if links:
         environment["PYTHONPATH"] = f"{links}:{os.environ.get('PYTHONPATH', '')}".rstrip(":")
-    paths = [ROOT / "tests" / folder for folder in folders]
+    paths = [path for path in (ROOT / "tests" / folder for folder in folders) if path.is_dir()]
+    if not paths:
+        return 0, []
     command = [launcher, "-m", "pytest", f"--junitxml={options.reports / 'pytest.xml'}"]
     command += ["-n", str(options.jobs)] if options.jobs > 1 else []
-    code, lines = run(
-        "pytest", command + [path for path in paths if path.is_dir()], env=environment
-    )
+    code, lines = run("pytest", command + paths, env=environment)
     return code, [line for line in lines if line][-1:] or [f"pytest ended with code {code}"]
 
 
