@@ -1,4 +1,6 @@
 // What the entries of element-typed collections do; generated code adds the forms of the element.
+using System.Collections;
+
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>Operations that typed arrays and lists share.</summary>
@@ -98,14 +100,23 @@ internal static unsafe class GenericListApi<T>
 /// <summary>Operations of typed enumerators and enumerables.</summary>
 internal static unsafe class GenericEnumeratorApi<T>
 {
-    /// <summary>0 with the item, 1 at the end.</summary>
+    /// <summary>
+    /// 0 with the item, 1 at the end. The enumerator need not be a typed one: that of an array comes
+    /// from the interface that all collections have.
+    /// </summary>
     public static int MoveNext(nint self, out T? item)
     {
         Bridge.Enter();
-        var items = Handles.Target<IEnumerator<T>>(self);
-        bool more = items.MoveNext();
-        item = more ? items.Current : default;
-        return more ? 0 : 1;
+        var items = Handles.Target<IEnumerator>(self);
+        if (!items.MoveNext())
+        {
+            item = default;
+            return 1;
+        }
+        item = items is IEnumerator<T> typed
+            ? typed.Current
+            : Elements<T>.FromVariant(items.Current);
+        return 0;
     }
 
     /// <summary>0 with an enumerator.</summary>
