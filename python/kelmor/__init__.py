@@ -7,14 +7,18 @@ module reads them for itself.
 import os
 import sys
 
+# The bootstrap's own module, which is there already: importlib.machinery would be one more import.
+from _frozen_importlib_external import PathFinder
+
+ModuleSpec = type(__spec__)
+
 _FOLDERS = {
     "NETCORE_WRAPPER_NETCORE_DIR_kelmor": "runtime",
     "NETCORE_WRAPPER_ASSEMBLY_DIR_kelmor": "assemblies",
 }
+_MODULES = ("psd", "gfxtypes", "typemodel", "shellbase", "shellcommon")
 # Modules that hold a tree of further modules as attributes.
-_TREES = ("kelmor.psd", "kelmor.gfxtypes")
-# The class itself, without the import of importlib.machinery: this file is on every start.
-_ModuleSpec = type(__spec__)
+_TREES = ("kelmor.psd.", "kelmor.gfxtypes.")
 _Module = type(sys)
 
 
@@ -40,33 +44,47 @@ class _TreeLoader:
         return None
 
 
-class _TreeFinder:
-    """Resolves dotted names below the extension modules to the modules that are their attributes.
+class _Finder:
+    """Finds what the import system cannot see below this package, and hides what it must not."""
+
+    @staticmethod
+    def find_spec(fullname, path=None, target=None):
+        if fullname.startswith(_TREES):
+            return _find_in_tree(fullname)
+        parent, _, leaf = fullname.rpartition(".")
+        if parent == __name__ and leaf in _MODULES:
+            return _find_extension(fullname, path, target)
+        return None
+
+
+def _find_in_tree(fullname):
+    """Resolves a dotted name below an extension module to the module that is an attribute there.
 
     An extension makes its whole tree at once and enters none of it in sys.modules. The import
     system has imported the parent by the time that it asks here.
     """
-
-    @staticmethod
-    def find_spec(fullname, path=None, target=None):
-        parent_name, _, leaf = fullname.rpartition(".")
-        if not (parent_name + ".").startswith(tuple(tree + "." for tree in _TREES)):
-            return None
-        module = getattr(sys.modules.get(parent_name), leaf, None)
-        # An attribute of another name is something that the parent shows, not a child of it.
-        if not isinstance(module, _Module) or module.__name__ != fullname:
-            return None
-        loader = _TreeLoader(module)
-        return _ModuleSpec(
-            fullname,
-            loader,
-            origin=getattr(sys.modules.get(_tree_of(fullname)), "__file__", None),
-            is_package=loader.is_package(fullname),
-        )
+    parent, _, leaf = fullname.rpartition(".")
+    module = getattr(sys.modules.get(parent), leaf, None)
+    # An attribute of another name is something that the parent shows, not a child of it.
+    if not isinstance(module, _Module) or module.__name__ != fullname:
+        return None
+    loader = _TreeLoader(module)
+    extension = sys.modules.get(".".join(fullname.split(".", 2)[:2]))
+    origin = getattr(extension, "__file__", None)
+    return ModuleSpec(fullname, loader, origin=origin, is_package=loader.is_package(fullname))
 
 
-def _tree_of(fullname):
-    return ".".join(fullname.split(".", 2)[:2])
+def _find_extension(fullname, path, target):
+    """Beside every extension lies a folder with its packaging hooks.
+
+    Where the extension itself is missing, or built for another interpreter, the folder must not
+    pass for an empty module of that name.
+    """
+    spec = PathFinder.find_spec(fullname, path, target)
+    if spec is None or spec.loader is None or spec.origin is None:
+        words = f"No module named {fullname!r} that is built for this interpreter"
+        raise ModuleNotFoundError(words, name=fullname)
+    return spec
 
 
 def _set_folders():
@@ -77,8 +95,8 @@ def _set_folders():
 
 def _install_finder():
     # A reload of this file replaces the finder of the time before.
-    sys.meta_path[:] = [f for f in sys.meta_path if type(f).__name__ != _TreeFinder.__name__]
-    sys.meta_path.append(_TreeFinder())
+    others = [finder for finder in sys.meta_path if type(finder).__qualname__ != "_Finder"]
+    sys.meta_path[:] = [_Finder(), *others]
 
 
 _set_folders()
