@@ -11,6 +11,8 @@
 #include "shell/pyinstaller_hooks.h"
 #include "shell/version.h"
 
+#include <cstdint>
+
 namespace {
 
 const ProbeRow identifier_rows[] = {
@@ -20,6 +22,14 @@ const ProbeRow identifier_rows[] = {
 #undef IDENTIFIER
 };
 const ProbeTable identifier_table(identifier_rows);
+
+// Calls a function while an exception is pending, which Python code cannot. All parts may be null.
+void call_with_pending(PyObject *type, PyObject *value, PyObject *traceback,
+                       void (*function)(std::uintptr_t, ...), std::uintptr_t first,
+                       std::uintptr_t second, std::uintptr_t third, std::uintptr_t fourth) {
+    PyErr_Restore(Py_XNewRef(type), Py_XNewRef(value), Py_XNewRef(traceback));
+    function(first, second, third, fourth);
+}
 
 // Overloads by the number of their texts.
 void module_internal_error_0(int code) { PyShlErr_ModuleInitializationInternalError(code); }
@@ -37,6 +47,7 @@ void type_internal_error_2(int code, const char *owner, const char *member) {
 }
 
 const ProbeRow error_rows[] = {
+    PROBE_ROW(call_with_pending),
     PROBE_ROW(PyShlErr_ChainFormat),
     PROBE_ROW(PyShlErr_ChainOrFormat),
     PROBE_ROW(PyShlErr_ModulePyInitError),
