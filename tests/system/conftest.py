@@ -1,13 +1,10 @@
 """Corpus files by what can be asked of them, and the count of live managed handles."""
 
-import ctypes
 import gc
-import os
-import pathlib
-
-import pytest
 
 import documents
+import managed_side
+import pytest
 
 SETS = {
     "readable": documents.readable,
@@ -29,50 +26,27 @@ def pytest_generate_tests(metafunc):
             metafunc.parametrize(argument, rows, ids=ids)
 
 
-class Diagnostics:
-    """What the managed side counts, through the delegates of its diagnostic class."""
-
-    def __init__(self):
-        root = pathlib.Path(os.environ["NETCORE_WRAPPER_NETCORE_DIR_kelmor"])
-        (path,) = root.glob("netcore*/libkelmor.embed.coreclrwrap.so")
-        self._wrap = ctypes.CDLL(str(path))
-        # With the interpreter lock held: late releases give Python references back.
-        self._live = ctypes.PYFUNCTYPE(ctypes.c_int64)(self._delegate("LiveHandles"))
-        self._collect = ctypes.PYFUNCTYPE(None)(self._delegate("Collect"))
-
-    def _delegate(self, method):
-        address = ctypes.c_void_p()
-        status = self._wrap.coreclr_wrap_create_delegate(
-            b"WrpInterop.Kelmor.PSD",
-            b"Kelmor.WrpGen.Interop.Diagnostics",
-            method.encode(),
-            ctypes.byref(address),
-        )
-        assert status == 0, f"no diagnostic entry {method}: 0x{status & 0xffffffff:08x}"
-        return address.value
-
-    def collect(self):
-        gc.collect()
-        self._collect()
-
-    def live_handles(self):
-        self.collect()
-        return self._live()
-
-
 @pytest.fixture(scope="session")
-def diagnostics():
+def live_handles():
+    """Counts the handles that are alive when all garbage of both sides is gone."""
     import kelmor.psd  # noqa: F401  (starts the runtime)
 
-    return Diagnostics()
+    side = managed_side.ManagedSide("WrpInterop.Kelmor.PSD")
+
+    def count():
+        gc.collect()
+        side.collect()
+        return side.live_handles()
+
+    return count
 
 
 @pytest.fixture
-def no_handle_leaks(request, diagnostics):
+def no_handle_leaks(request, live_handles):
     """No managed handle is left over. Fixtures that hold wrappers must ask for this one first."""
-    before = diagnostics.live_handles()
+    before = live_handles()
     yield
     request.node.funcargs.clear()  # it keeps the values of fixtures that have ended
-    after = diagnostics.live_handles()
+    after = live_handles()
     # Fewer when an earlier test had failed: its traceback has kept wrappers until now.
     assert after <= before, f"{after - before} managed handles are left"
