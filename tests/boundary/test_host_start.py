@@ -1,0 +1,739 @@
+"""The start of the runtime: which folders, which calls in which order, which end when it fails."""
+
+import os
+import pathlib
+import sys
+
+import pytest
+from peer import DEBUG_WRAP, ENTRIES, WRAP, wrap_library
+
+behaviour = pytest.mark.behaviour
+
+EXECUTABLE = os.readlink(f"/proc/{os.getpid()}/exe")
+EXECUTABLE_FOLDER = os.path.dirname(EXECUTABLE)
+RUNTIME_VARIABLE = "NETCORE_WRAPPER_NETCORE_DIR_kelmor"
+ASSEMBLY_VARIABLE = "NETCORE_WRAPPER_ASSEMBLY_DIR_kelmor"
+ABORTED = -6
+MISSING = 0x80131513 - 2**32
+
+LOAD, INITIALIZE = "coreclr_wrap_load", "coreclr_wrap_initialize"
+QUERY, SHUTDOWN = "coreclr_wrap_is_domain_initialized", "coreclr_wrap_shutdown"
+
+
+def start():
+    import native
+
+    Script()
+    native.start_host()
+
+
+def start_with(answers):
+    import native
+
+    script = Script()
+    for entry, answer in answers.items():
+        script.answer(entry, answer)
+    native.start_host()
+
+
+def start_from(netcore_dir, assembly_dir, names=("", ""), family="kelmor", debug=False):
+    import native
+
+    Script()
+    names = [name if name is None else name.encode() for name in names]
+    native.start_host(family, debug, netcore_dir, assembly_dir, names)
+    folder = native.function("host_netcore_dir", ctypes.c_char_p)()
+    assemblies = native.function("host_product_assembly_dir", ctypes.c_char_p)()
+    return [folder.decode(), assemblies.decode()]
+
+
+def attach(runtime, domain=None):
+    """Somebody else has brought the wrap library into the process."""
+    import native
+
+    script = Script()
+    first = ctypes.CDLL(f"{runtime}/libkelmor.embed.coreclrwrap.so", mode=ctypes.RTLD_GLOBAL)
+    if domain is not None:
+        script.answer("is_domain_initialized", domain)
+    native.start_host()
+    return native.function("host_domain_initialized")()
+
+
+def ended_by(outcome, kind, text):
+    """Whether an exception of this kind, that nobody caught, has ended the process."""
+    assert outcome.code == ABORTED, outcome
+    assert f"terminate called after throwing an instance of '{kind}'" in outcome.stderr
+    assert f"what():  {text}\n" in outcome.stderr
+    return True
+
+
+def values_of(outcome):
+    entry = outcome.entry(INITIALIZE)
+    return dict(zip(entry["keys"], entry["values"]))
+
+
+def folders_of(outcome):
+    return values_of(outcome)["APP_PATHS"].split(":")
+
+
+def lines(*texts):
+    return "".join(f"{text}\r\n" for text in texts)
+
+
+# The calls of the wrap library.
+
+
+@behaviour("host-start.instance.first-load-order", "host-start.shutdown.at-exit")
+def test_a_first_load_loads_and_starts_the_runtime_and_ends_it_at_exit(in_process):
+    def program():
+        import native
+
+        script = Script()
+        native.start_services()
+        return script.calls
+
+    outcome = in_process(program)
+    assert outcome.value[:2] == [LOAD, INITIALIZE]
+    assert set(outcome.value[2:]) == {"coreclr_wrap_create_delegate"}
+    assert outcome.calls == outcome.value + [SHUTDOWN]
+
+
+@behaviour("host-start.instance.attach-order")
+def test_an_attaching_module_only_asks_for_the_domain(in_process, installation):
+    outcome = in_process(attach, str(installation.runtimes / "netcore10.0"))
+    assert outcome.calls == [QUERY]
+
+
+@behaviour("host-start.instance.attach-without-domain", "host-start.delegate.no-throw")
+def test_an_attaching_module_may_find_no_domain(in_process, installation):
+    def program(runtime, code):
+        import native
+
+        script = Script()
+        ctypes.CDLL(f"{runtime}/libkelmor.embed.coreclrwrap.so", mode=ctypes.RTLD_GLOBAL)
+        script.refuse(code=code)
+        native.start_host()
+        slot = ctypes.c_void_p(1)
+        text = ctypes.c_char_p
+        create = native.function("host_try_create_delegate", ctypes.c_int, text, text, text, text)
+        answer = create(b"A", b"T", b"M", ctypes.cast(ctypes.byref(slot), text))
+        return native.function("host_domain_initialized")(), answer, slot.value
+
+    outcome = in_process(program, str(installation.runtimes / "netcore10.0"), MISSING)
+    assert outcome.value == [0, MISSING, 1]
+    assert outcome.calls == [QUERY, "coreclr_wrap_create_delegate"]
+
+
+@behaviour("host-start.wrap.domain-query-sense")
+@pytest.mark.parametrize(("answer", "ready"), [(0, 0), (1, 1), (-1, 1), (256, 1)])
+def test_any_number_but_zero_means_that_there_is_a_domain(in_process, installation, answer, ready):
+    assert in_process(attach, str(installation.runtimes / "netcore10.0"), answer).value == ready
+
+
+@behaviour("host-start.wrap.load-sense")
+@pytest.mark.parametrize("answer", [1, -1, 256])
+def test_a_load_succeeds_with_any_number_but_zero(in_process, answer):
+    assert in_process(start_with, {"load": answer}).calls == [LOAD, INITIALIZE, SHUTDOWN]
+
+
+@behaviour("host-start.coreclr.load-refused", "host-start.wrap.load-sense")
+def test_a_refused_load_ends_the_process(in_process):
+    outcome = in_process(start_with, {"load": 0}, code=None)
+    assert ended_by(outcome, "std::runtime_error", "init coreclr wap")
+    assert outcome.calls == [LOAD]
+
+
+@behaviour("host-start.coreclr.load-path", "host-start.coreclr.never-opened")
+def test_the_runtime_is_loaded_by_its_path_and_only_by_the_wrap_library(in_process, installation):
+    def program():
+        import native
+
+        Script()
+        native.start_services()
+        return pathlib.Path("/proc/self/maps").read_text()
+
+    outcome = in_process(program)
+    expected = str(installation.runtimes / "netcore10.0" / "libcoreclr.so")
+    assert outcome.entry(LOAD)["path"] == expected
+    assert not os.path.exists(expected)
+    assert "libcoreclr" not in outcome.value
+
+
+@behaviour("host-start.wrap.initialize-sense", "host-start.domain.failure")
+@pytest.mark.parametrize(
+    ("code", "shown"), [(1, "1"), (-1, "ffffffff"), (-2147024809, "80070057"), (256, "100")]
+)
+def test_a_refused_start_ends_the_process_with_all_that_was_given(
+    in_process, installation, code, shown
+):
+    environment = {"COREHOST_TRACE": "1"}
+    outcome = in_process(start_with, {"initialize": code}, code=None, environment=environment)
+    folders = ":".join(folders_of(outcome))
+    text = (
+        f"coreclr_initialize failed (0x{shown}) [<APP_DOMAIN_NAME>='KelmorCLRHostDomain',"
+        f"<HOST_EXE_PATH>='{EXECUTABLE}',<TRUSTED_PLATFORM_ASSEMBLIES>='',"
+        f"<APP_PATHS>='{folders}',<APP_NI_PATHS>='{folders}',"
+        f"<NATIVE_DLL_SEARCH_DIRECTORIES>='{folders}',"
+        "<AppDomainCompatSwitch>='UseLatestBehaviorWhenTFMNotSpecified']"
+    )
+    assert ended_by(outcome, "CoreClrInitException", text)
+    # The diary up to here is not lost, although nobody flushes when a process aborts.
+    assert outcome.stdout.endswith(lines(f"HOST_EXE_PATH: '{EXECUTABLE}'"))
+    assert "Default AppDomain ready." not in outcome.stdout
+    assert outcome.calls == [LOAD, INITIALIZE]
+
+
+@behaviour("host-start.domain.arguments", "host-start.domain.properties", "host-start.exe.path")
+def test_the_runtime_is_started_with_the_domain_and_five_properties(in_process, installation):
+    outcome = in_process(start)
+    entry = outcome.entry(INITIALIZE)
+    folders = ":".join(
+        [
+            str(installation.assemblies / "psd"),
+            str(installation.assemblies / "gfxtypes"),
+            str(installation.runtimes / "netcore10.0"),
+        ]
+    )
+    assert entry["exe_path"] == EXECUTABLE
+    assert entry["domain_name"] == "KelmorCLRHostDomain"
+    assert entry["property_count"] == 5
+    assert list(zip(entry["keys"], entry["values"])) == [
+        ("TRUSTED_PLATFORM_ASSEMBLIES", ""),
+        ("APP_PATHS", folders),
+        ("APP_NI_PATHS", folders),
+        ("NATIVE_DLL_SEARCH_DIRECTORIES", folders),
+        ("AppDomainCompatSwitch", "UseLatestBehaviorWhenTFMNotSpecified"),
+    ]
+
+
+@behaviour("host-start.domain-name.exported", "host-start.domain-name.read-late")
+def test_the_name_of_the_domain_is_read_at_its_creation(in_process):
+    def program():
+        import kelmor_probe
+        import native
+
+        Script()
+        name = ctypes.c_char_p.in_dll(ctypes.CDLL(kelmor_probe.__file__), "KelmorDomainName")
+        before, name.value = name.value.decode(), b"Another"
+        native.start_host()
+        return before
+
+    outcome = in_process(program)
+    assert outcome.value == "KelmorCLRHostDomain"
+    assert outcome.entry(INITIALIZE)["domain_name"] == "Another"
+
+
+@behaviour("host-start.domain.created-once")
+def test_a_domain_is_created_once(in_process):
+    def program():
+        import native
+
+        script = Script()
+        native.start_host()
+        sys.stdout.flush()
+        print("again", flush=True)
+        return native.function("host_create_default_app_domain")()
+
+    outcome = in_process(program, environment={"COREHOST_TRACE": "1"})
+    assert outcome.value == 0
+    assert outcome.calls.count(INITIALIZE) == 1
+    after = outcome.stdout.partition("again\n")[2]
+    assert after.startswith("Shutdowning .NET Core host...")
+
+
+def test_a_domain_that_was_shut_down_is_created_again(in_process):
+    def program():
+        import native
+
+        Script()
+        native.start_host()
+        native.function("host_try_shutdown_default_app_domain")()
+        return native.function("host_create_default_app_domain")()
+
+    outcome = in_process(program)
+    assert outcome.value == 1
+    assert outcome.calls == [LOAD, INITIALIZE, SHUTDOWN, INITIALIZE, SHUTDOWN]
+
+
+@behaviour("host-start.delegate.forward")
+@pytest.mark.parametrize("code", [0, 1, MISSING])
+def test_a_request_for_a_delegate_is_forwarded_as_it_is(in_process, code):
+    def program(code):
+        import native
+
+        script = Script()
+        if code:
+            script.refuse(code=code)
+        native.start_host()
+        slot = ctypes.c_void_p()
+        text, pointer = ctypes.c_char_p, ctypes.c_void_p
+        create = native.function(
+            "host_try_create_delegate", ctypes.c_int, text, text, text, pointer
+        )
+        answer = create(b"An assembly", b"A.Type", b"Method", ctypes.addressof(slot))
+        given = script.method("A.Type", "Method", "An assembly").address
+        return answer, ctypes.addressof(slot), slot.value == (None if code else given)
+
+    outcome = in_process(program, code)
+    answer, slot, filled = outcome.value
+    assert (answer, filled) == (code, True)
+    entry = outcome.entry("coreclr_wrap_create_delegate")
+    assert [entry[name] for name in ("assembly", "type", "method", "slot")] == [
+        "An assembly",
+        "A.Type",
+        "Method",
+        slot,
+    ]
+
+
+# The one object.
+
+
+@behaviour("host-start.instance.same-object", "host-start.instance.later-calls-ignore-args")
+def test_later_calls_give_the_object_and_do_nothing_else(in_process, installation):
+    def program(elsewhere):
+        import native
+
+        script = Script()
+        first = native.start_host()
+        calls = script.calls
+        os.environ["NETCORE_WRAPPER_NETCORE_DIR_abc"] = elsewhere
+        later = [
+            native.start_host(None),
+            native.start_host("abc", True, elsewhere, elsewhere, (b"x", b"y")),
+            native.start_host(None, names=(None, None)),
+        ]
+        folder = native.function("host_netcore_dir", ctypes.c_char_p)().decode()
+        print("end of the calls", flush=True)
+        return later == [first] * 3, script.calls == calls, folder
+
+    elsewhere = str(installation.root)
+    outcome = in_process(program, elsewhere, environment={"COREHOST_TRACE": "1"})
+    assert outcome.value == [True, True, str(installation.runtimes / "netcore10.0")]
+    before = outcome.stdout.partition("end of the calls")[0]
+    assert before.endswith(lines("Default AppDomain ready."))
+    assert before.count("Initializing .NET Core host...") == 1
+
+
+@behaviour("host-start.instance.names-unread")
+def test_the_two_names_reach_nothing(in_process):
+    environment = {"COREHOST_TRACE": "1"}
+
+    def seen(*names):
+        outcome = in_process(start_from, None, None, names, environment=environment)
+        journal = [{k: v for k, v in entry.items() if k != "process"} for entry in outcome.journal]
+        return outcome.value, outcome.stdout, journal
+
+    assert seen("first-name", "second-name") == seen(None, None)
+    assert "first-name" not in str(seen("first-name", "second-name"))
+
+
+@behaviour("host-start.instance.netcore-dir-given")
+def test_a_given_runtime_folder_is_taken_as_it_is(in_process, installation):
+    wrap_library(installation.root / "given" / WRAP)
+    (installation.root / "given" / "netcore99.0").mkdir()
+    given = str(installation.root / "given")
+    outcome = in_process(start_from, given, None)
+    assert outcome.value[0] == given
+    assert outcome.entry(LOAD)["path"] == f"{given}/libcoreclr.so"
+
+
+@behaviour("host-start.instance.assembly-dir-given")
+def test_a_given_assembly_folder_is_the_only_one(in_process, installation):
+    (installation.root / "given" / "sub").mkdir(parents=True)
+    given = str(installation.root / "given")
+    runtime = str(installation.runtimes / "netcore10.0")
+    assert folders_of(in_process(start_from, None, given)) == [given, runtime]
+    assert folders_of(in_process(start_from, None, runtime)) == [runtime]
+
+
+# The runtime folder.
+
+
+@behaviour("host-start.netcore-dir.from-variable", "host-start.load.path")
+def test_the_runtime_folder_is_the_highest_version_below_the_variable(in_process, installation):
+    installation.add_runtime("netcore9.9")
+    folder = str(installation.runtimes / "netcore10.0")
+    outcome = in_process(start, environment={"COREHOST_TRACE": "1"})
+    assert outcome.entry(LOAD)["path"] == f"{folder}/libcoreclr.so"
+    assert f"Loading: '{folder}/{WRAP}'\r\n" in outcome.stdout
+
+
+@behaviour("host-start.netcore-dir.variable-name", "host-start.assembly-dir.variable-name")
+@pytest.mark.parametrize("family", ["kelmor", "abc"])
+def test_the_variables_are_named_after_the_family(in_process, installation, family):
+    environment = {
+        RUNTIME_VARIABLE: None,
+        ASSEMBLY_VARIABLE: None,
+        f"NETCORE_WRAPPER_NETCORE_DIR_{family}": str(installation.runtimes),
+        f"NETCORE_WRAPPER_ASSEMBLY_DIR_{family}": str(installation.assemblies),
+    }
+    outcome = in_process(start_from, None, None, ("", ""), family, environment=environment)
+    folder = str(installation.runtimes / "netcore10.0")
+    assemblies = [str(installation.assemblies / name) for name in ("psd", "gfxtypes")]
+    assert outcome.value == [folder, ":".join(assemblies + [folder])]
+
+
+def fallback(in_process, **environment):
+    """Where the library is looked for when no folder is found: beside the executable."""
+    environment["COREHOST_TRACE"] = "1"
+    outcome = in_process(start, code=None, environment=environment)
+    assert ended_by(outcome, "std::runtime_error", "DynamicLibrary::load")
+    assert f"Loading: '{EXECUTABLE_FOLDER}/{WRAP}'\r\n" in outcome.stdout
+    assert outcome.calls == []
+    return f"NETCORE_DIR: '{EXECUTABLE_FOLDER}'\r\n" in outcome.stdout
+
+
+@behaviour("host-start.netcore-dir.absent-variable", "host-start.exe.path")
+def test_without_the_variable_the_runtime_is_beside_the_executable(in_process):
+    assert fallback(in_process, **{RUNTIME_VARIABLE: None})
+
+
+@behaviour("host-start.netcore-dir.empty-variable")
+def test_an_empty_variable_counts_as_absent(in_process):
+    assert fallback(in_process, **{RUNTIME_VARIABLE: ""})
+
+
+@behaviour("host-start.netcore-dir.nothing-found")
+def test_a_root_without_a_runtime_is_not_used_itself(in_process, empty_installation):
+    assert fallback(in_process, **{RUNTIME_VARIABLE: str(empty_installation.root / "nowhere")})
+    assert fallback(in_process)
+    wrap_library(empty_installation.runtimes / WRAP)
+    assert fallback(in_process)
+
+
+@behaviour("host-start.netcore-dir.release-name-searched")
+def test_a_debug_start_still_searches_the_release_library(in_process, empty_installation):
+    empty_installation.add_runtime("netcore9.0", (WRAP, DEBUG_WRAP))
+    empty_installation.add_runtime("netcore10.0", (DEBUG_WRAP,))
+    outcome = in_process(start_from, None, None, ("", ""), "kelmor", True)
+    assert outcome.value[0] == str(empty_installation.runtimes / "netcore9.0")
+
+
+@behaviour("host-start.netcore-dir.debug-loads-debug")
+def test_a_debug_start_loads_the_debug_library(in_process, empty_installation):
+    folder = empty_installation.add_runtime("netcore10.0", (WRAP, DEBUG_WRAP))
+    arguments = (None, None, ("", ""), "kelmor", True)
+    environment = {"COREHOST_TRACE": "1"}
+    outcome = in_process(start_from, *arguments, environment=environment)
+    assert f"Loading: '{folder}/{DEBUG_WRAP}'\r\n" in outcome.stdout
+    assert outcome.calls == [LOAD, INITIALIZE, SHUTDOWN]
+    (folder / DEBUG_WRAP).unlink()
+    outcome = in_process(start_from, *arguments, code=None, environment=environment)
+    assert f"Loading: '{folder}/{DEBUG_WRAP}'\r\n" in outcome.stdout
+    assert ended_by(outcome, "std::runtime_error", "DynamicLibrary::load")
+
+
+@behaviour("host-location.netcore.overflow-ends-process")
+def test_a_folder_with_too_large_a_number_ends_the_process(in_process, installation):
+    (installation.runtimes / "netcore99999999999.0").mkdir()
+    outcome = in_process(start, code=None)
+    assert ended_by(outcome, "std::out_of_range", "stoi")
+
+
+# The assembly folders.
+
+
+@behaviour("host-start.assembly-dir.from-variable", "host-start.assembly-dir.runtime-folder-last")
+def test_the_assembly_folders_are_the_sub_folders_and_then_the_runtimes(in_process, installation):
+    installation.add_assemblies("other")
+    folders = folders_of(in_process(start))
+    names = [pathlib.Path(folder).name for folder in folders]
+    assert sorted(names[:2]) == ["other", "psd"]
+    assert names[2:] == ["gfxtypes", "netcore10.0"]
+    assert {str(pathlib.Path(folder).parent) for folder in folders[:3]} == {
+        str(installation.assemblies)
+    }
+    assert EXECUTABLE_FOLDER not in folders
+
+
+@behaviour("host-start.assembly-dir.runtime-folder-last")
+def test_the_runtime_folder_is_not_added_twice(in_process, installation):
+    environment = {ASSEMBLY_VARIABLE: str(installation.runtimes)}
+    folder = str(installation.runtimes / "netcore10.0")
+    assert folders_of(in_process(start, environment=environment)) == [folder]
+
+
+@behaviour("host-start.assembly-dir.debug")
+def test_a_debug_start_takes_the_debug_folders(in_process, empty_installation):
+    folder = empty_installation.add_runtime("netcore10.0", (WRAP, DEBUG_WRAP))
+    empty_installation.add_assemblies("psd/debug", "gfxtypes/debug", "other")
+    outcome = in_process(start_from, None, None, ("", ""), "kelmor", True)
+    assemblies = [str(empty_installation.assemblies / n / "debug") for n in ("psd", "gfxtypes")]
+    assert folders_of(outcome) == assemblies + [str(folder)]
+
+
+@behaviour("host-start.assembly-dir.absent-variable")
+@pytest.mark.parametrize("value", [None, ""])
+def test_without_the_variable_the_assemblies_are_beside_the_executable(
+    in_process, installation, value
+):
+    outcome = in_process(start, environment={ASSEMBLY_VARIABLE: value})
+    assert folders_of(outcome) == [EXECUTABLE_FOLDER, str(installation.runtimes / "netcore10.0")]
+
+
+@behaviour("host-start.assembly-dir.both-absent")
+def test_without_both_variables_the_executables_folder_stands_once(in_process):
+    environment = {RUNTIME_VARIABLE: None, ASSEMBLY_VARIABLE: None, "COREHOST_TRACE": "1"}
+    outcome = in_process(start, code=None, environment=environment)
+    assert f"PRODUCT_ASSEMBLY_DIR: '{EXECUTABLE_FOLDER}'\r\n" in outcome.stdout
+
+
+@behaviour("host-start.assembly-dir.no-sub-folder")
+@pytest.mark.parametrize("name", ["assemblies", "nowhere"])
+def test_without_sub_folders_the_runtime_folder_stands_alone(in_process, empty_installation, name):
+    folder = empty_installation.add_runtime()
+    environment = {ASSEMBLY_VARIABLE: str(empty_installation.root / name)}
+    outcome = in_process(start, environment=environment)
+    assert folders_of(outcome) == [str(folder)]
+    assert outcome.calls == [LOAD, INITIALIZE, SHUTDOWN]
+
+
+@behaviour("host-start.assembly-dir.joined")
+def test_the_folders_are_joined_by_colons(in_process, installation):
+    value = in_process(start_from, None, None).value[1]
+    names = [installation.assemblies / "psd", installation.assemblies / "gfxtypes"]
+    assert value == ":".join(map(str, names + [installation.runtimes / "netcore10.0"]))
+
+
+# The diary.
+
+
+@behaviour("host-start.trace.first-load", "host-start.shutdown.trace")
+@pytest.mark.parametrize("result", [0, 7, -5])
+def test_the_diary_of_a_first_load(in_process, installation, result):
+    folder = installation.runtimes / "netcore10.0"
+    assemblies = f"{installation.assemblies}/psd:{installation.assemblies}/gfxtypes:{folder}"
+    answers = {"shutdown": result}
+    outcome = in_process(start_with, answers, environment={"COREHOST_TRACE": "1"})
+    assert outcome.stdout == lines(
+        "CLR host tracing enabled",
+        "Initializing .NET Core host...",
+        f"NETCORE_DIR: '{folder}'",
+        f"PRODUCT_ASSEMBLY_DIR: '{assemblies}'",
+        f"Loading: '{folder}/{WRAP}'",
+        "Try get module...",
+        "No existed module...",
+        "wrap dll loaded",
+        f"Loading2: '{folder}/libcoreclr.so'",
+        ".NET Core host ready.",
+        "Creating default AppDomain...",
+        f"APP_PATH: '{assemblies}'",
+        f"APP_NI_PATHS: '{assemblies}'",
+        f"NATIVE_DLL_SEARCH_DIRECTORIES: '{assemblies}'",
+        f"HOST_EXE_PATH: '{EXECUTABLE}'",
+        "Default AppDomain ready.",
+        "Shutdowning .NET Core host...",
+        f".NET Core host is down: {result}",
+    )
+    assert outcome.stderr == ""
+
+
+@behaviour("host-start.trace.attach")
+def test_the_diary_of_an_attaching_module(in_process, installation):
+    folder = installation.runtimes / "netcore10.0"
+    outcome = in_process(attach, str(folder), environment={"COREHOST_TRACE": "1"})
+    text = outcome.stdout
+    assert text[text.index("Loading: ") :] == lines(
+        f"Loading: '{folder}/{WRAP}'",
+        "Try get module...",
+        "Using existed module...",
+        "wrap dll loaded",
+        ".NET Core host ready.",
+    )
+
+
+@behaviour("host-platform.trace-init.read-once")
+@pytest.mark.parametrize(("before", "after"), [(None, "1"), ("1", None)])
+def test_the_wish_for_a_diary_is_read_once(in_process, before, after):
+    def program(after):
+        import native
+
+        Script()
+        native.start_host()
+        os.environ.pop("COREHOST_TRACE", None)
+        if after:
+            os.environ["COREHOST_TRACE"] = after
+        native.start_services()
+
+    outcome = in_process(program, after, environment={"COREHOST_TRACE": before})
+    assert outcome.stdout.endswith(".NET Core host is down: 0\r\n") == (before == "1")
+    assert (outcome.stdout == "") == (before is None)
+
+
+# Loading and binding.
+
+
+@behaviour("host-start.load.missing")
+def test_a_wrap_library_that_cannot_be_loaded_ends_the_process(in_process, empty_installation):
+    folder = empty_installation.runtimes / "netcore10.0"
+    folder.mkdir()
+    (folder / WRAP).write_text("no library")
+    environment = {"COREHOST_TRACE": "1"}
+    outcome = in_process(start, code=None, environment=environment)
+    assert ended_by(outcome, "std::runtime_error", "DynamicLibrary::load")
+    assert outcome.stdout.endswith(lines("No module...", f"No: '{folder}/{WRAP}'"))
+
+
+@behaviour("host-start.load.never-unloaded")
+def test_the_wrap_library_stays(in_process):
+    def program():
+        import native
+
+        Script()
+        native.start_host()
+        native.function("host_try_shutdown_default_app_domain")()
+        maps = pathlib.Path("/proc/self/maps").read_text()
+        return native.function("host_can_free_library")(), WRAP in maps
+
+    assert in_process(program).value == [0, True]
+
+
+@behaviour("host-start.bind.missing-symbol")
+@pytest.mark.parametrize("entry", ENTRIES)
+def test_a_missing_entry_ends_the_process(in_process, empty_installation, entry):
+    empty_installation.add_runtime(without=[entry])
+    outcome = in_process(start, code=None)
+    assert ended_by(outcome, "std::runtime_error", f"No such symbol: {entry}")
+    assert outcome.calls == []
+
+
+@behaviour("host-start.bind.order")
+@pytest.mark.parametrize("first", range(len(ENTRIES)))
+def test_of_several_missing_entries_the_first_is_named(in_process, empty_installation, first):
+    empty_installation.add_runtime(without=ENTRIES[first:])
+    outcome = in_process(start, code=None)
+    assert ended_by(outcome, "std::runtime_error", f"No such symbol: {ENTRIES[first]}")
+
+
+@behaviour("host-start.bind.attach-needs-no-load")
+def test_an_attaching_module_does_not_look_for_the_load_entry(in_process, empty_installation):
+    folder = empty_installation.add_runtime(without=[LOAD])
+    assert in_process(attach, str(folder), 1).value == 1
+
+
+# The end.
+
+
+@behaviour("host-start.shutdown.result-only-traced")
+@pytest.mark.parametrize("result", [0, 1, -2146233309])
+def test_the_answer_to_the_shutdown_changes_nothing(in_process, result):
+    def program(result):
+        import native
+
+        script = Script()
+        script.answer("shutdown", result)
+        native.start_host()
+        return native.function("host_try_shutdown_default_app_domain")()
+
+    assert in_process(program, result).value == 0
+    assert in_process(start_with, {"shutdown": result}).calls[-1] == SHUTDOWN
+
+
+@behaviour("host-start.shutdown.twice")
+def test_the_runtime_is_shut_down_once(in_process):
+    def program():
+        import native
+
+        Script()
+        native.start_host()
+        shutdown = native.function("host_try_shutdown_default_app_domain")
+        return [shutdown(), shutdown(), native.function("host_domain_initialized")()]
+
+    outcome = in_process(program)
+    assert outcome.value == [0, -1, 0]
+    assert outcome.calls.count(SHUTDOWN) == 1
+
+
+@behaviour("host-start.shutdown.not-first-load")
+def test_an_attached_module_does_not_shut_down(in_process, installation):
+    def program(runtime):
+        import native
+
+        script = Script()
+        ctypes.CDLL(f"{runtime}/libkelmor.embed.coreclrwrap.so", mode=ctypes.RTLD_GLOBAL)
+        script.answer("is_domain_initialized", 1)
+        native.start_host()
+        ready = native.function("host_domain_initialized")
+        before = ready()
+        return [before, native.function("host_try_shutdown_default_app_domain")(), ready()]
+
+    runtime = str(installation.runtimes / "netcore10.0")
+    environment = {"COREHOST_TRACE": "1"}
+    outcome = in_process(program, runtime, environment=environment)
+    assert outcome.value == [1, -1, 0]
+    assert outcome.calls == [QUERY]
+    assert outcome.stdout.endswith(".NET Core host ready.\r\n")
+    # Nor does it when its own destructor finds the domain still there.
+    assert in_process(attach, runtime, 1).calls == [QUERY]
+
+
+@behaviour("host-start.shutdown.after-hosts")
+def test_the_shutdown_is_the_last_that_the_peer_sees(in_process):
+    def program():
+        import native
+
+        script = Script()
+        native.start_services()
+        native.function("exchange_free_instance", None, ctypes.c_void_p)(1)
+
+    outcome = in_process(program)
+    assert outcome.calls[-2:] == ["delegate", SHUTDOWN]
+    assert outcome.calls.count(SHUTDOWN) == 1
+
+
+@behaviour("host-start.shutdown.registration")
+def test_the_end_of_the_extension_ends_the_runtime(in_process):
+    def program():
+        import kelmor_probe
+        import native
+
+        script = Script()
+        native.start_host()
+        # Two references: the interpreter's and the one that finds it.
+        library = ctypes.CDLL(kelmor_probe.__file__)
+        ctypes.pythonapi.Py_IncRef(ctypes.py_object(kelmor_probe))
+        close = ctypes.CDLL(None).dlclose
+        close.argtypes = [ctypes.c_void_p]
+        close(library._handle)
+        close(library._handle)
+        gone = not any("kelmor_probe" in line for line in open("/proc/self/maps"))
+        calls = script.calls
+        report([gone, calls])
+        os._exit(0)
+
+    gone, calls = in_process(program).value
+    assert gone
+    assert calls == [LOAD, INITIALIZE, SHUTDOWN]
+
+
+@behaviour("host-platform.trace.no-stderr")
+def test_the_diary_reaches_standard_output_alone(in_process):
+    def program():
+        import native
+
+        Script()
+        native.start_services()
+
+    outcome = in_process(program, environment={"COREHOST_TRACE": "1"})
+    assert outcome.stdout.startswith("CLR host tracing enabled\r\n")
+    assert outcome.stderr == ""
+
+
+def test_a_forked_child_is_told(in_process):
+    def program():
+        import native
+
+        Script()
+        in_child = native.function("host_in_forked_child")
+        before = os.fork()
+        if before == 0:
+            os._exit(in_child())  # no runtime yet: a child may start one of its own
+        native.start_host()
+        after = os.fork()
+        if after == 0:
+            os._exit(in_child())
+        codes = [os.WEXITSTATUS(os.waitpid(child, 0)[1]) for child in (before, after)]
+        return codes + [in_child()]
+
+    assert in_process(program).value == [0, 1, 0]
