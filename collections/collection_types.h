@@ -37,7 +37,7 @@ int interface_wrapper_from_py(PyObject *value, VariantArg *out,
 // The kind tells the managed side that `value` is the Python object itself, borrowed. Gives 1.
 int pass_python_object(PyObject *value, CollectionKind kind, VariantArg *out);
 
-bool is_list_like(PyObject *value);           // a list or an instance of a subclass
+bool is_class_wrapper(PyObject *value);        // of this module, or with the host mark
 bool is_sequence_with_length(PyObject *value); // PySequence_Check, and sq_length
 
 // Readies a wrapper type, marks it with its interfaces as both sets, as host and as castable, and

@@ -46,8 +46,7 @@ template <class Record, auto FromPy> struct BuiltElement : RecordElement<Record,
 template <auto FromPy> using StringElement = BuiltElement<PyStringArg, FromPy>;
 using VariantElement = BuiltElement<VariantArg, fn_conv_py_variant_to_clr_variant>;
 
-template <auto FromPy, auto ToPy>
-struct ClassElement : ScalarElement<void *, FromPy, ToPy> {};
+template <auto FromPy, auto ToPy> struct ClassElement : ScalarElement<void *, FromPy, ToPy> {};
 
 template <auto FromPy, auto ToPy> struct StructElement : RecordElement<VariantArg, FromPy> {
     using Out = void *;

@@ -15,7 +15,8 @@
 //         PyHost_gn_Array_0D30925B()
 //             : GenericArrayHost("Kelmor.WrpGen.Generic.SiApiArray_0D30925B") {}
 //     };
-//     // likewise PyHost_gn_Iter_0D30925B : GenericIterHost<Element_0D30925B>, and where the tag has
+//     // likewise PyHost_gn_Iter_0D30925B : GenericIterHost<Element_0D30925B>, and where the tag
+//     has
 //     // them GenericIterableHost ("...SiApiEnumerable_<tag>") and GenericListHost ("SiApiList_")
 //
 //     static const PyHostState &array_state_0D30925B() {

@@ -34,9 +34,9 @@ protected:
     CreatorSlot m_create_instance_from_py_iterable = nullptr;
 };
 struct IterableSlots : InterfaceTail<EnumerableHead> {
-    static constexpr const char *methods[] = {"GetEnumerator", "CreateInstanceFromPyIterable",
-                                              "btp_IsAssignable", "btp_TypeOf", "btp_CastTo",
-                                              "btp_CastAs"};
+    static constexpr const char *methods[] = {"GetEnumerator",    "CreateInstanceFromPyIterable",
+                                              "btp_IsAssignable", "btp_TypeOf",
+                                              "btp_CastTo",       "btp_CastAs"};
 };
 
 class PyHost_ph_Disposable : public SlotHost<DisposableSlots> {
