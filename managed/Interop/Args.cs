@@ -142,16 +142,17 @@ internal static unsafe partial class Args
         ulong number;
         return PyApi.Read->VersLong(value, &number) switch
         {
-            1 => (int)number,
+            1 => (object)(int)number,
             2 => (long)number,
             3 => number,
             _ => throw Bridge.PythonError(),
         };
     }
 
+    // Boxed one by one: the two types would else be converted to the one that takes both.
     private static object Moment(int form, long* ticks) => form switch
     {
-        1 => DateTime(ticks),
+        1 => (object)DateTime(ticks),
         2 => DateTimeOffset(ticks),
         _ => throw Bridge.PythonError(),
     };

@@ -1,4 +1,5 @@
 // The cast protocol that every bound type carries, written once for all of them.
+using System.Reflection;
 using System.Runtime.CompilerServices;
 
 namespace Kelmor.WrpGen.Interop;
@@ -10,11 +11,15 @@ namespace Kelmor.WrpGen.Interop;
 internal static unsafe class Casts
 {
     /// <summary>The Type object of a bound type.</summary>
-    public static int TypeOf<T>(nint* result)
+    public static int TypeOf<T>(nint* result) => TypeOf(typeof(T), result);
+
+    /// <summary>The Type object of a bound type that cannot be a type argument.</summary>
+    public static int TypeOf(Type type, nint* result)
     {
+        *result = 0;
         try
         {
-            *result = Handles.Alloc(typeof(T));
+            *result = Handles.Alloc(type);
             return 1;
         }
         catch (Exception e)
@@ -62,6 +67,34 @@ internal static unsafe class Casts
             }
             *result = Handles.Alloc(RuntimeHelpers.GetObjectValue(target));
             return 1;
+        }
+        catch (Exception e)
+        {
+            return Bridge.Fail(e);
+        }
+    }
+
+    /// <summary>
+    /// An object as another type: itself when it is one, else through a conversion operator that one
+    /// of the two types defines.
+    /// </summary>
+    public static int CastFrom(nint self, nint type, nint* result)
+    {
+        *result = 0;
+        try
+        {
+            Bridge.Enter();
+            object target = Handles.Target<object>(self);
+            Type wanted = Handles.Target<Type>(type);
+            object? converted = wanted.IsInstanceOfType(target)
+                ? RuntimeHelpers.GetObjectValue(target)
+                : Conversion(target.GetType(), wanted)?.Invoke(null, [target]);
+            *result = Handles.Alloc(converted);
+            return converted is null ? 0 : 1;
+        }
+        catch (TargetInvocationException e)
+        {
+            return Bridge.Fail(e.InnerException ?? e);
         }
         catch (Exception e)
         {
@@ -171,6 +204,15 @@ internal static unsafe class Casts
         return TypeOf<T>(result);
     }
 
+    private static MethodInfo? Conversion(Type from, Type to) =>
+        Operators(from).Concat(Operators(to)).FirstOrDefault(method => method.ReturnType == to
+            && method.GetParameters() is [{ } parameter]
+            && parameter.ParameterType.IsAssignableFrom(from));
+
+    private static IEnumerable<MethodInfo> Operators(Type type) =>
+        type.GetMethods(BindingFlags.Public | BindingFlags.Static | BindingFlags.FlattenHierarchy)
+            .Where(method => method.Name is "op_Implicit" or "op_Explicit");
+
     private static int Null(nint* result)
     {
         *result = 0;
@@ -179,4 +221,12 @@ internal static unsafe class Casts
 
     private static InvalidCastException NotA(object? target, Type type) =>
         new($"Unable to cast object of type '{target?.GetType()}' to type '{type}'.");
+}
+
+/// <summary>Stands for a static class where a type of objects is asked for: nothing is one.</summary>
+internal sealed class NoInstance
+{
+    private NoInstance()
+    {
+    }
 }

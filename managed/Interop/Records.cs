@@ -82,6 +82,20 @@ internal unsafe struct PySysVersionArg
     public fixed int Components[4];
 }
 
+/// <summary>A nullable value, which the native side has converted already.</summary>
+[StructLayout(LayoutKind.Sequential)]
+internal unsafe struct PyNullableArg
+{
+    /// <summary>1 with a value, 0 for None.</summary>
+    public int HasValue;
+
+    /// <summary>The native side's own converter.</summary>
+    public void* Convert;
+
+    /// <summary>The value, in the form of its type.</summary>
+    public void* Target;
+}
+
 /// <summary>Kinds of a <see cref="VariantArg"/> for a parameter that takes any value.</summary>
 internal enum VariantKind
 {

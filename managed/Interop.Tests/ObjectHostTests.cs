@@ -1,0 +1,111 @@
+// Text, hash, equality and type of any object.
+using Kelmor.WrpGen.Interop.Tests.Fakes;
+
+namespace Kelmor.WrpGen.Interop.Tests;
+
+public unsafe class ObjectHostTests : TestBase
+{
+    private static bool AreEqual(string entry, nint self, VariantArg other) =>
+        ((delegate* unmanaged<nint, VariantArg*, byte>)Entry.Address("ObjectHost", entry))(
+            self, &other) != 0;
+
+    [Theory]
+    [InlineData("ToStringOfObj")]
+    [InlineData("ToStringOfStc")]
+    public void Text_is_a_new_str(string entry)
+    {
+        nint text = 0;
+        int status = ((delegate* unmanaged<nint, nint*, int>)Entry.Address("ObjectHost", entry))(
+            Own(new Version(1, 2)), &text);
+        Assert.Equal(1, status);
+        Assert.Equal("1.2", FakePython.Take(text));
+    }
+
+    [Theory]
+    [InlineData("IsEqualsOfObj")]
+    [InlineData("IsEqualsOfStc")]
+    public void Equality_is_the_objects_own(string entry)
+    {
+        nint self = Own(new Sample(4));
+        Assert.True(AreEqual(entry, self, new VariantArg { Value = Own(new Sample(4)) }));
+        Assert.False(AreEqual(entry, self, new VariantArg { Value = Own(new Sample(5)) }));
+    }
+
+    [Fact]
+    public void None_is_told_by_the_handle_since_its_kind_is_not_written() =>
+        Assert.False(AreEqual(
+            "IsEqualsOfObj", Own(new Sample(4)), new VariantArg { Kind = 0x5A5A, Value = 0 }));
+
+    [Fact]
+    public void The_hash_is_the_objects_own()
+    {
+        var sample = new Sample(9);
+        Assert.Equal(
+            sample.GetHashCode(), Entry.Int("ObjectHost", "GetHashOfObj", Own(sample)));
+    }
+
+    [Fact]
+    public void The_type_is_a_handle_of_its_own()
+    {
+        nint type = 0;
+        int status = ((delegate* unmanaged<nint, nint*, int>)Entry.Address(
+            "ObjectHost", "GetObjType"))(Own(new Sample(1)), &type);
+        Assert.Equal(1, status);
+        Assert.Same(typeof(Sample), Handles.Target<Type>(type));
+        Handles.Free(type);
+    }
+
+    [Theory]
+    [InlineData(typeof(Sample), true)]
+    [InlineData(typeof(object), true)]
+    [InlineData(typeof(Stream), false)]
+    public void An_object_is_of_its_type_and_its_ancestors(Type type, bool expected)
+    {
+        var argument = new VariantArg { Kind = 1, Value = Own(type) };
+        byte answer = ((delegate* unmanaged<nint, VariantArg*, byte>)Entry.Address(
+            "ObjectHost", "IsTypeOf"))(Own(new Sample(1)), &argument);
+        Assert.Equal(expected, answer != 0);
+    }
+
+    [Fact]
+    public void Disposing_reaches_the_object()
+    {
+        var stream = new MemoryStream();
+        Entry.Int("ObjectHost", "Dispose", Own(stream));
+        Assert.False(stream.CanRead);
+    }
+
+    [Fact]
+    public void An_object_without_an_end_of_life_is_left_alone() =>
+        Entry.Int("ObjectHost", "Dispose", Own(new Sample(1)));
+
+    private static string TypeName(object target)
+    {
+        nint handle = Handles.Alloc(target);
+        nint cell = ((delegate* unmanaged<nint, nint>)Entry.Address(
+            "ExchangeHost", "GetTypeName"))(handle);
+        Handles.Free(handle);
+        return (string)FakePython.Take(cell)!;
+    }
+
+    private sealed class Hidden : MemoryStream;
+
+    [Fact]
+    public void A_type_has_its_full_name() =>
+        Assert.Equal("System.IO.MemoryStream", TypeName(new MemoryStream()));
+
+    [Fact]
+    public void A_private_type_shows_as_its_public_ancestor() =>
+        Assert.Equal("System.IO.MemoryStream", TypeName(new Hidden()));
+
+    [Fact]
+    public void A_type_object_is_a_type() => Assert.Equal("System.Type", TypeName(typeof(int)));
+
+    [Fact]
+    public void The_name_of_no_object_is_an_error()
+    {
+        Assert.Equal(0, ((delegate* unmanaged<nint, nint>)Entry.Address(
+            "ExchangeHost", "GetTypeName"))(0));
+        Assert.Equal("System.NullReferenceException", Raised().Type);
+    }
+}
