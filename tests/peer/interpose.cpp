@@ -46,6 +46,8 @@ struct State {
     std::set<std::string> watched;
     bool watch_all = false;
     std::deque<Failure> failures;
+    bool keeps = false;
+    std::uint64_t kept[2] = {};
 };
 
 State &state() {
@@ -84,11 +86,19 @@ void raise(const std::string &message) {
     set(type, message.c_str());
 }
 
+// The count of references is the first word of an object, or the first half of it.
+void keep(const Registers &registers) {
+    state().kept[0] = registers.integers[0];
+    state().kept[1] = registers.integers[2];
+    for (const std::uint64_t object : state().kept) ++*reinterpret_cast<std::uint32_t *>(object);
+}
+
 bool fails(const std::string &function, const char *text, Registers &registers) {
     for (Failure &failure : state().failures) {
         if (failure.function != function) continue;
         if (failure.text && (!text || *failure.text != text)) continue;
         if (failure.skip-- > 0) return false;
+        if (state().keeps && function == "PyModule_AddObject") keep(registers);
         if (failure.message) raise(*failure.message);
         registers.result = failure.result;
         return true;
@@ -276,3 +286,7 @@ void peer_fail(const char *function, const char *text, int skip, std::uint64_t r
 }
 
 void peer_fail_no_more() { state().failures.clear(); }
+
+void peer_keep() { state().keeps = true; }
+
+const std::uint64_t *peer_kept() { return state().kept; }

@@ -25,5 +25,10 @@ void peer_fail(const char *function, const char *text, int skip, std::uint64_t r
 
 // Ends all failing.
 void peer_fail_no_more();
+
+// A failing PyModule_AddObject gets a reference more to the module and to the object, whose
+// addresses `peer_kept` gives: what has become of them can then be read from their counts.
+void peer_keep();
+const std::uint64_t *peer_kept();
 }
 #pragma GCC visibility pop
