@@ -30,8 +30,7 @@ internal sealed class Surface(Library library, Selection? selection)
         return new TypeRow(
             Name: TypeNames.Simple(type),
             Kind: KindOf(type),
-            Base: type is { IsClass: true, BaseType: { } parent } && parent.FullName != "System.Object"
-                ? TypeNames.Of(parent) : null,
+            Base: BaseOf(type),
             Abstract: type is { IsAbstract: true, IsSealed: false, IsInterface: false },
             Static: type is { IsAbstract: true, IsSealed: true },
             Interfaces: type.IsEnum ? [] : interfaces,
@@ -41,6 +40,21 @@ internal sealed class Surface(Library library, Selection? selection)
             Members: type.IsEnum ? [] : new MemberCollector(library, selection, type).Collect(),
             Values: type.IsEnum ? Values(type) : [],
             Summary: library.Summary(TypeNames.DocumentationId(type)));
+    }
+
+    // Of a library that is not ours, the nearest base that is bound; of ours, the base as it is.
+    private string? BaseOf(Type type)
+    {
+        if (!type.IsClass)
+        {
+            return null;
+        }
+        var parent = type.BaseType;
+        while (selection is not null && parent is not null && !selection.Has(TypeNames.Of(parent)))
+        {
+            parent = parent.BaseType;
+        }
+        return parent is null || (selection is null && parent.FullName == "System.Object") ? null : TypeNames.Of(parent);
     }
 
     private List<EnumValueRow> Values(Type type) => type

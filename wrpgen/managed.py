@@ -1,0 +1,217 @@
+"""Writes the C# half: one static class of entry points for each bound type."""
+
+from __future__ import annotations
+
+from types import SimpleNamespace
+
+from .families import Argument, Call, Family, Property, StaticField
+from .forms import Form, cs_type
+from .model import Extension
+from .native import _entry_order, environment
+
+
+def write_entries(extension: Extension, families: list[Family]) -> dict[str, str]:
+    """One file for each namespace."""
+    template = environment().get_template("entries.cs.j2")
+    spaces: dict[str, list[Family]] = {}
+    for family in families:
+        spaces.setdefault(family.type.namespace, []).append(family)
+    return {
+        f"{space}.cs": template.render(
+            space=own[0].cs_namespace, classes=[_class(family) for family in own]
+        )
+        for space, own in spaces.items()
+    }
+
+
+def _class(family: Family) -> SimpleNamespace:
+    entries = [_constructor(family, call) for call in family.constructors]
+    for item in _entry_order(family):
+        if isinstance(item, Call):
+            entries.append(_call(family, item))
+        elif isinstance(item, StaticField):
+            entries += _static(family, item)
+        elif isinstance(item, Property) and not item.shared:
+            entries += _property(family, item)
+    return SimpleNamespace(
+        name=family.cs_class,
+        title=family.type.full_name,
+        entries=entries,
+        casts=_casts(family),
+    )
+
+
+def _self(family: Family) -> str:
+    unbox = "Unbox" if family.kind == "struct" else "Target"
+    return f"Handles.{unbox}<{family.cs_type}>(self)"
+
+
+def _read(form: Form, type_: str, value: str) -> str:
+    return form.cs_read.replace("{v}", value).replace("{t}", cs_type(type_))
+
+
+def _parameter(argument: Argument) -> str:
+    form = argument.form
+    type_ = f"{form.as_value}*" if argument.by_reference else form.cs_param
+    return f"{type_} {_variable(argument)}"
+
+
+def _variable(argument: Argument) -> str:
+    return "a_" + argument.variable
+
+
+def _passed(call: Call) -> tuple[list[str], list[str], list[str]]:
+    """Statements before the call, the arguments, statements behind it."""
+    before, passed, after = [], [], []
+    for argument in call.arguments:
+        name, form = _variable(argument), argument.form
+        if not argument.by_reference:
+            passed.append(_read(form, argument.parameter.type, name))
+            continue
+        held = name + "_value"
+        if argument.parameter.direction == "ref":
+            before.append(f"var {held} = {_read(form, argument.parameter.type, '*' + name)};")
+            passed.append(f"ref {held}")
+        else:
+            passed.append(f"out var {held}")
+        after.append(f"*{name} = {form.cs_write.replace('{v}', held)};")
+    return before, passed, after
+
+
+def _entry(name: str, result: str, parameters: list[str], body: list[str]) -> SimpleNamespace:
+    caught = "Bridge.Raise(e);" if result == "void" else f"return Bridge.Raise<{result}>(e);"
+    return SimpleNamespace(
+        name=name,
+        result=result,
+        parameters=", ".join(parameters),
+        body=["Bridge.Enter();", *body],
+        caught=caught,
+    )
+
+
+def _result(
+    form: Form | None, name: str, parameters: list[str], expression: str,
+    before: list[str], after: list[str],
+) -> SimpleNamespace:
+    """An entry that evaluates an expression and hands its value over."""
+    if form is None:
+        return _entry(name, "void", parameters, [*before, f"{expression};", *after])
+    if form.c_result.startswith("nullable "):
+        write = form.cs_write.replace("{v}", "value")
+        body = [
+            f"var value = {expression};",
+            f"*result = {write};",
+            *after,
+            "return value.HasValue ? 1 : 0;",
+        ]
+        return _entry(name, "int", [*parameters, f"{form.cs_result} result"], [*before, *body])
+    if form.by_slot:
+        write = form.cs_write.replace("{v}", expression).replace("{r}", "result")
+        return _entry(
+            name, "void", [*parameters, f"{form.cs_result} result"], [*before, f"{write};", *after]
+        )
+    if after:
+        write = form.cs_write.replace("{v}", "value")
+        body = [*before, f"var value = {expression};", *after, f"return {write};"]
+    else:
+        body = [*before, f"return {form.cs_write.replace('{v}', _grouped(expression))};"]
+    return _entry(name, form.cs_result, parameters, body)
+
+
+def _grouped(expression: str) -> str:
+    return f"({expression})" if " " in expression.split("(")[0] else expression
+
+
+def _constructor(family: Family, call: Call) -> SimpleNamespace:
+    before, passed, after = _passed(call)
+    made = f"new {family.cs_type}({', '.join(passed)})"
+    parameters = [_parameter(argument) for argument in call.arguments]
+    return _entry(
+        call.entry, "nint", parameters, [*before, f"return Results.Object({made});", *after]
+    )
+
+
+def _call(family: Family, call: Call) -> SimpleNamespace:
+    before, passed, after = _passed(call)
+    target = family.cs_type if call.static else _self(family)
+    parameters = [] if call.static else ["nint self"]
+    parameters += [_parameter(argument) for argument in call.arguments]
+    expression = f"{target}.{call.member.name}({', '.join(passed)})"
+    return _result(call.result, call.entry, parameters, expression, before, after)
+
+
+def _property(family: Family, item: Property) -> list[SimpleNamespace]:
+    name = item.member.name
+    target = f"{_self(family)}.{name}"
+    entries = [_result(item.form, f"get_{name}", ["nint self"], target, [], [])]
+    if item.set:
+        value = _read(item.form, item.member.type, "value")
+        parameters = ["nint self", f"{item.form.cs_param} value"]
+        entries.append(_entry(f"set_{name}", "void", parameters, [f"{target} = {value};"]))
+    return entries
+
+
+def _static(family: Family, item: StaticField) -> list[SimpleNamespace]:
+    name = item.member.name
+    target = f"{family.cs_type}.{name}"
+    entries = [_result(item.form, f"getsa_{name}", [], target, [], [])]
+    if item.settable:
+        value = _read(item.form, item.member.type, "value")
+        entries.append(
+            _entry(f"setsa_{name}", "void", [f"{item.form.cs_param} value"], [f"{target} = {value};"])
+        )
+    return entries
+
+
+def _casts(family: Family) -> list[str]:
+    """The "btp_" entries, each one call of the shared bodies."""
+    bound = family.cs_type
+    if family.kind == "enum":
+        number = family.cs_number
+        pair = f"<{bound}, {number}>"
+        return [
+            f"int btp_TypeOf(nint* result) => Casts.TypeOf<{bound}>(result);",
+            f"int btp_CastTo(VariantArg* value, {number}* result) => "
+            f"Casts.EnumCastTo{pair}(value, result);",
+            f"int btp_ReInterpretObj(nint value, {number}* result) => "
+            f"Casts.EnumReInterpret{pair}(value, result);",
+            f"int btp_AsUniEnum({number} value, nint* result) => "
+            f"Casts.EnumAsUniEnum{pair}(value, result);",
+            f"int btp_CastAs(nint value, {number}* result) => "
+            f"Casts.EnumCastAs{pair}(value, result);",
+            f"byte btp_IsAssignable(nint value) => Casts.IsAssignable<{bound}>(value);",
+            f"int btp_GetType({number} value, nint* result) => "
+            f"Casts.EnumGetType{pair}(value, result);",
+        ]
+    type_of = f"TypeOf<{bound}>(result)"
+    if family.type.static:
+        type_of = f"TypeOf(typeof({bound}), result)"
+        bound = "NoInstance"
+    cast_to = "CastToStruct" if family.kind == "struct" else "CastTo"
+    rows = [
+        f"int btp_TypeOf(nint* result) => Casts.{type_of};",
+        f"int btp_CastTo(VariantArg* value, nint* result) => Casts.{cast_to}<{bound}>(value, result);",
+    ]
+    if family.has_cast_from:
+        rows.append(
+            "int btp_CastFrom(nint self, nint type, nint* result) => "
+            "Casts.CastFrom(self, type, result);"
+        )
+    if family.kind != "interface":
+        rows.append(
+            "int btp_ReInterpretObj(nint value, nint* result) => "
+            f"Casts.ReInterpret<{bound}>(value, result);"
+        )
+    if family.kind == "class":
+        rows += [
+            f"int btp_CastAs(nint value, nint* result) => Casts.CastAs<{bound}>(value, result);",
+            f"byte btp_IsAssignable(nint value) => Casts.IsAssignable<{bound}>(value);",
+        ]
+    else:
+        rows += [
+            "int btp_CastAs(VariantArg* value, nint* result) => "
+            f"Casts.CastAsVariant<{bound}>(value, result);",
+            "byte btp_IsAssignable(VariantArg* value) => "
+            f"Casts.IsAssignableVariant<{bound}>(value);",
+        ]
+    return rows
