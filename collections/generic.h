@@ -13,7 +13,7 @@
 //         }
 //     private:
 //         PyHost_gn_Array_0D30925B()
-//             : GenericArrayHost("Kelmor.WrpGen.Generic.SiApiArray_0D30925B") {}
+//             : SlotHost("Kelmor.WrpGen.Generic.SiApiArray_0D30925B") {}
 //     };
 //     // likewise PyHost_gn_Iter_0D30925B : GenericIterHost<Element_0D30925B>, and where the tag
 //     has
