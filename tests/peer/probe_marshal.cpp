@@ -13,6 +13,8 @@
 #include "shell/ref.h"
 
 #include <new>
+#include <string>
+#include <type_traits>
 
 namespace {
 
@@ -41,7 +43,16 @@ const ProbeRow scalar_rows[] = {
 };
 const ProbeTable scalar_table(scalar_rows);
 
+// What a cell holds, read in place.
+PyObject *u16_text(const std::u16string *cell) {
+    int byteorder = -1;
+    return PyUnicode_DecodeUTF16(reinterpret_cast<const char *>(cell->data()),
+                                 static_cast<Py_ssize_t>(cell->size() * 2), "surrogatepass",
+                                 &byteorder);
+}
+
 const ProbeRow text_rows[] = {
+    PROBE_ROW(u16_text),
     PROBE_ROW(fn_conv_py_string_to_clr_string),
     PROBE_ROW(fn_conv_py_string_to_clr_string_value),
     PROBE_ROW(fn_read_py_string),
@@ -161,13 +172,37 @@ const int layout_PyShlBufferView[] = {sizeof(PyShlBufferView), offsetof(PyShlBuf
                                       offsetof(PyShlBufferView, length),
                                       offsetof(PyShlBufferView, readonly)};
 
+// Records are plain bytes, builders end what they hold.
+const int plain_records[] = {
+    std::is_trivially_copyable_v<PyStringArg>,     std::is_trivially_copyable_v<PyEphStrArg>,
+    std::is_trivially_copyable_v<PyBytesArg>,      std::is_trivially_copyable_v<VariantArg>,
+    std::is_trivially_copyable_v<PyObjectOutArg>,  std::is_trivially_copyable_v<PyCollectionArg>,
+    std::is_trivially_copyable_v<PyParamByRef>,    std::is_trivially_copyable_v<PyNullableArg>,
+    std::is_trivially_copyable_v<PySysVersionArg>,
+};
+const int plain_builders[] = {
+    std::is_trivially_copyable_v<PyEphStrArgBuilder>,
+    std::is_trivially_copyable_v<PyBytesArgBuilder>,
+    std::is_trivially_copyable_v<PyInterimArgBuilder>,
+};
+const int abi_sizes[] = {sizeof(int32_t), sizeof(void *), sizeof(int64_t), alignof(int64_t)};
+
 const ProbeRow layout_rows[] = {
-    PROBE_ROW(layout_PyStringArg),         PROBE_ROW(layout_PyEphStrArg),
-    PROBE_ROW(layout_PyBytesArg),          PROBE_ROW(layout_PyBytesArgBuilder),
-    PROBE_ROW(layout_VariantArg),          PROBE_ROW(layout_PyObjectOutArg),
-    PROBE_ROW(layout_PyCollectionArg),     PROBE_ROW(layout_PyParamByRef),
-    PROBE_ROW(layout_PyNullableArg),       PROBE_ROW(layout_PySysVersionArg),
-    PROBE_ROW(layout_PyInterimArgBuilder), PROBE_ROW(layout_PyShlBufferView),
+    PROBE_ROW(plain_records),
+    PROBE_ROW(plain_builders),
+    PROBE_ROW(abi_sizes),
+    PROBE_ROW(layout_PyStringArg),
+    PROBE_ROW(layout_PyEphStrArg),
+    PROBE_ROW(layout_PyBytesArg),
+    PROBE_ROW(layout_PyBytesArgBuilder),
+    PROBE_ROW(layout_VariantArg),
+    PROBE_ROW(layout_PyObjectOutArg),
+    PROBE_ROW(layout_PyCollectionArg),
+    PROBE_ROW(layout_PyParamByRef),
+    PROBE_ROW(layout_PyNullableArg),
+    PROBE_ROW(layout_PySysVersionArg),
+    PROBE_ROW(layout_PyInterimArgBuilder),
+    PROBE_ROW(layout_PyShlBufferView),
 };
 const ProbeTable layout_table(layout_rows);
 
