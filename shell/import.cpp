@@ -64,7 +64,19 @@ Ref require_type(Ref object) {
     return Ref();
 }
 
+// The attribute of a module that is loaded already; empty, without an exception, when the long way
+// must be gone: also for a module that another thread is still loading.
+Ref loaded_attribute(const char *module, PyObject *name) {
+    const Ref module_name = Ref::steal(PyUnicode_FromString(module));
+    const Ref loaded = Ref::steal(module_name ? PyImport_GetModule(module_name.get()) : nullptr);
+    Ref attribute = Ref::steal(loaded ? PyObject_GetAttr(loaded.get(), name) : nullptr);
+    if (!attribute) PyErr_Clear();
+    return attribute;
+}
+
 Ref import_type(const char *module, PyObject *name) {
+    // Types are looked up for single values, and the import machinery takes half a microsecond.
+    if (Ref type = loaded_attribute(module, name)) return type;
     const Ref imported = Ref::steal(PyImport_ImportModule(module));
     if (!imported) {
         PyShlErr_UnableToImportModule(module);
