@@ -76,13 +76,18 @@ def run_pytest(options, folders):
 
 
 def run_dotnet(options):
-    project = ROOT / "managed/Kelmor.PSD.Tests"
-    command = ["dotnet", "test", project, "--nologo", "--logger", "trx;LogFileName=managed.trx"]
-    command += ["--results-directory", options.reports, "-v", "minimal"]
-    command += [f"-p:KelmorArtifacts={options.build / 'managed'}/"]
-    code, lines = run("dotnet test", command)
-    counts = [line for line in lines if line.startswith(("Passed!", "Failed!"))]
-    return code, counts or [f"dotnet test ended with code {code}"]
+    """Every test project in its turn; each has counts of its own."""
+    codes, counts = [], []
+    for project in sorted((ROOT / "managed").glob("*.Tests")):
+        command = ["dotnet", "test", project, "--nologo", "-v", "minimal"]
+        command += ["--logger", f"trx;LogFileName={project.name}.trx"]
+        command += ["--results-directory", options.reports]
+        command += [f"-p:KelmorArtifacts={options.build / 'managed'}/"]
+        code, lines = run(f"dotnet test {project.name}", command)
+        codes.append(code)
+        found = [line for line in lines if line.startswith(("Passed!", "Failed!"))]
+        counts += found or [f"dotnet test {project.name} ended with code {code}"]
+    return max(codes, default=0), counts
 
 
 def parse():

@@ -27,11 +27,22 @@ JUNIT = """<testsuites><testsuite>
 TRX = """<TestRun xmlns="http://microsoft.com/schemas/VisualStudio/TeamTest/2010">
 <Results><UnitTestResult testId="1" outcome="Passed"/><UnitTestResult testId="2" outcome="Failed"/>
 </Results><TestDefinitions>
-<UnitTest id="1" name="T.Good"><Properties><Property><Key>behaviour</Key><Value>x.one</Value>
-</Property></Properties></UnitTest>
-<UnitTest id="2" name="T.Bad"><Properties><Property><Key>behaviour</Key><Value>x.three</Value>
-</Property></Properties></UnitTest>
+<UnitTest id="1" name="N.T.Good"><TestMethod className="N.T" name="Good"/></UnitTest>
+<UnitTest id="2" name="N.T.Bad(1)"><TestMethod className="N.T" name="Bad"/></UnitTest>
 </TestDefinitions></TestRun>"""
+
+SOURCE = """public class T {
+    [Fact]
+    [Trait("behaviour", "x.one")]
+    public void Good() { }
+
+    [Fact] public void Other() { }
+
+    [Theory, InlineData(1)]
+    [Trait("behaviour", "x.three")]
+    public async Task Bad(int number) { }
+}
+"""
 
 
 @pytest.fixture
@@ -46,6 +57,8 @@ def project(tmp_path, monkeypatch):
     reports.mkdir(parents=True)
     (reports / "a.xml").write_text(JUNIT)
     (reports / "b.trx").write_text(TRX)
+    (tmp_path / "managed/X.Tests").mkdir(parents=True)
+    (tmp_path / "managed/X.Tests/T.cs").write_text(SOURCE)
     monkeypatch.setattr(conformance, "ROOT", tmp_path)
     monkeypatch.setattr(conformance, "LISTS", lists)
     monkeypatch.setattr(conformance, "PAGE", tmp_path / "docs/conformance.md")
@@ -57,9 +70,9 @@ def test_the_reports_are_merged_by_behaviour(project):
     assert (project / "conformance.tsv").read_text().splitlines() == [
         "id\ttest\toutcome",
         "x.four\ta.disabled\tskipped",
-        "x.one\tT.Good\tpassed",
+        "x.one\tN.T.Good\tpassed",
         "x.one\ta.passes\tpassed",
-        "x.three\tT.Bad\tfailed",
+        "x.three\tN.T.Bad(1)\tfailed",
         "x.three\ta.skipped\tskipped",
         "x.two\ta.fails\tfailed",
         "x.two\ta.passes\tpassed",
@@ -78,7 +91,7 @@ def test_the_page_counts_and_puts_what_is_missing_first(project):
     page = conformance.PAGE.read_text()
     assert "| x | 4 | 2 | 2 |" in page
     assert "- `x.three` (claimed by a test that did not pass): Third | bar" in page
-    assert "| `x.one` | T.Good and 1 more |" in page
+    assert "| `x.one` | N.T.Good and 1 more |" in page
     assert page.index("## Without a passing test") < page.index("## Shown")
 
 
