@@ -258,13 +258,14 @@ class Composer:
             if arguments is None or not crosses or self._skips(type_, member):
                 self._skip(type_, member)
                 continue
-            group = groups[(self._py_name(type_, member), member.static)]
+            py_name = self._py_name(type_, member)
+            number = len(groups[(py_name, True)]) + len(groups[(py_name, False)])
             entry = f"call_{counters[member.name]:03}_{member.name}"
             counters[member.name] += 1
-            group.append(
-                Call(type_, entry, member, member.static, arguments, result, number=len(group))
+            groups[(py_name, member.static)].append(
+                Call(type_, entry, member, member.static, arguments, result, number=number)
             )
-        return groups
+        return {key: group for key, group in groups.items() if group}
 
     def _skips(self, type_: Type, member: Member) -> bool:
         return f"{type_.full_name}.{member.name}" in self.extension.overrides.skip
@@ -354,12 +355,15 @@ class Composer:
         alone = len(calls) == 1
         visible = owner.kind == "interface"
         kind = ("htfn" if visible else "mtfn") if alone else ("hgfn" if visible else "mgfn")
+        # Where both halves of a mixed name have one signature, their bodies need two numbers.
+        twin = self._calls[owner.full_name].get((py_name, not static), ())
+        number = 1 if mixed and not static and alone and len(twin) == 1 else 0
         return Method(
             owner=owner,
             py_name=py_name,
             static=static,
             attempts=tuple(self._attempt(call, alone) for call in calls),
-            function=f"wrpPy_{kind}_{self._symbol(owner)}_000_{py_name}",
+            function=f"wrpPy_{kind}_{self._symbol(owner)}_{number:03}_{py_name}",
             external=visible,
             shared=shared is not None,
             mixed=mixed,
