@@ -1,0 +1,181 @@
+"""What an import of the extension makes of its host: when it starts, what it binds, what stays."""
+
+import ctypes
+import os
+
+import pytest
+from peer import EXCHANGE, OBJECT, STAGE
+
+behaviour = pytest.mark.behaviour
+
+ABORTED = -6
+TRACE = {"COREHOST_TRACE": "1"}
+
+
+def import_psd():
+    import family
+
+    Script()
+    family.Family().complete().psd()
+
+
+@behaviour("host-platform.trace.no-stderr")
+def test_the_diary_of_an_import_reaches_standard_output_alone(in_process):
+    outcome = in_process(import_psd, environment=TRACE)
+    assert outcome.stdout.startswith("CLR host tracing enabled\r\nInitializing .NET Core host...")
+    assert outcome.stdout.endswith(".NET Core host is down: 0\r\n")
+    assert outcome.stderr == ""
+
+
+@behaviour("host-platform.trace-init.silent-before-start")
+def test_nothing_is_traced_before_the_host_starts(in_process):
+    def program():
+        import family
+
+        Script()
+        return family.Family().complete(without=["kelmor.gfxtypes"]).failure()
+
+    outcome = in_process(program, environment=TRACE)
+    assert [entry[0] for entry in outcome.value[:2]] == ["ImportError", "ImportError"]
+    assert "kelmor.gfxtypes" in outcome.value[1][1]
+    assert outcome.stdout == ""
+    assert outcome.calls == []
+
+
+@behaviour("host-location.netcore.overflow-ends-process")
+def test_a_folder_with_too_large_a_number_ends_an_import(in_process, installation):
+    (installation.runtimes / "netcore99999999999.0").mkdir()
+    outcome = in_process(import_psd, code=ABORTED)
+    assert "terminate called after throwing an instance of 'std::out_of_range'" in outcome.stderr
+    assert "what():  stoi\n" in outcome.stderr
+
+
+@behaviour("host-services.lazy.no-class-at-import")
+def test_an_import_binds_the_two_services_alone(in_process):
+    outcome = in_process(import_psd)
+    assert {type_name for type_name, _ in outcome.requests} == {EXCHANGE, OBJECT}
+
+
+@behaviour("host-services.object.not-rebuilt")
+def test_a_broken_object_host_stays_broken(in_process):
+    def program():
+        import family
+
+        script = Script()
+        modules = family.Family().complete()
+        script.refuse(OBJECT, "Dispose", 77)
+        first = modules.failure()
+        script.allow()
+        script.clear_journal()
+        return first, modules.failure(), script.requests
+
+    first, second, requests = in_process(program).value
+    assert first[-1][0] == "TypeError"
+    assert first[-1][1].endswith("Method 'Dispose' not found (error=77)")
+    assert [entry[:2] for entry in second] == [entry[:2] for entry in first]
+    assert {type_name for type_name, _ in requests} == {EXCHANGE}
+
+
+@behaviour("host-services.callbacks.stay-valid")
+def test_what_was_handed_over_stays_valid(in_process):
+    def program():
+        import family
+        import gc
+
+        script = Script()
+        tables = {}
+
+        def remember(name):
+            return lambda frame: tables.setdefault(name, frame.integers[0])
+
+        setters = ["SetPyObjApiCallbacks", "SetPyStaticCallbacks", "SetPyGenericCallbacks"]
+        for name in setters + ["SetExceptionCallback"]:
+            script.method(EXCHANGE, name).calls(remember(name))
+        psd = family.Family().complete().psd()
+
+        def content(depth, address):
+            # The object's table is one of functions, the others are tables of tables.
+            words = (ctypes.c_uint64 * 2).from_address(address)
+            return [content(depth - 1, word) if depth and word else word for word in words]
+
+        def contents():
+            return [content(name != "SetPyObjApiCallbacks", tables[name]) for name in setters]
+
+        before = contents()
+        del psd
+        gc.collect()
+        # The peer calls back long after the hand-over.
+        call = ctypes.PYFUNCTYPE(None, ctypes.c_void_p, ctypes.c_void_p)
+        try:
+            call(tables["SetExceptionCallback"])(None, None)
+        except RuntimeError as error:
+            return before == contents(), str(error)
+
+    assert in_process(program).value == [True, "Proxy error(<unknown>): <unknown>"]
+
+
+@behaviour("host-services.callback.during-delegate")
+def test_a_callback_uses_the_interpreter_while_a_delegate_runs(in_process):
+    def program():
+        import native
+
+        script = Script()
+        native.start_services()
+        ids = native.function("fn_intern_identifiers", None)
+        ids()
+        # The stub calls back as C, without a look at the interpreter lock.
+        trigger = script.method(OBJECT, "GetHashOfObj", "WrpInterop.Kelmor.PSD").returns(5)
+        name, text = script.keep("Some.Exception"), script.keep("its words")
+        for value in (name, text):
+            ctypes.pythonapi.Py_IncRef(ctypes.py_object(value))
+        trigger.invokes(native.address("on_clr_exception"), id(name), id(text))
+        try:
+            native.function("object_get_hash_code_of_obj", ctypes.c_int, ctypes.c_void_p)(1)
+        except RuntimeError as error:
+            return str(error)
+
+    assert in_process(program).value == "Proxy error(Some.Exception): its words"
+
+
+@behaviour("host-services.type-name.block-freed")
+def test_the_block_of_a_type_name_is_freed_and_its_characters_are_not(in_process):
+    def program():
+        import native
+
+        script = Script()
+        native.start_services()
+        characters = "No.Such.Type"
+        # A string of the old form: length, capacity and count of owners stand before the text.
+        text = script.keep(
+            ctypes.create_string_buffer(
+                struct.pack("<QQiI", len(characters), len(characters), 0, 0)
+                + characters.encode("utf-16-le")
+                + b"\\0\\0"
+            )
+        )
+        libc = ctypes.CDLL(None)
+        libc.malloc.restype = ctypes.c_void_p
+        libc.malloc.argtypes = [ctypes.c_size_t]
+        # So large that it has a mapping of its own, which ends when it is freed.
+        block = libc.malloc(1 << 28)
+        ctypes.c_uint64.from_address(block).value = ctypes.addressof(text) + 24
+        script.method(EXCHANGE, "GetTypeName", "WrpInterop.Kelmor.PSD").returns(block)
+
+        def is_mapped():
+            for line in open("/proc/self/maps"):
+                start, end = (int(part, 16) for part in line.split()[0].split("-"))
+                if start <= block < end:
+                    return True
+            return False
+
+        before = is_mapped()
+        find = native.function(
+            "get_py_type_object_by_obj", ctypes.c_void_p, ctypes.c_void_p, ctypes.c_int64
+        )
+        found = find(1, 2)
+        owners = ctypes.c_int32.from_address(ctypes.addressof(text) + 16).value
+        calls = len(script.method(EXCHANGE, "GetTypeName", "WrpInterop.Kelmor.PSD").received)
+        return before, found, is_mapped(), owners, bytes(text)[24:48].decode("utf-16-le"), calls
+
+    # A second call of free, or a destructor, would have ended the process.
+    assert in_process(program).value == [True, None, False, 0, "No.Such.Type", 1]
