@@ -1,0 +1,29 @@
+// A new document without layers.
+using Kelmor.PSD.FileFormats.Psd.Channels;
+
+namespace Kelmor.PSD.FileFormats.Psd;
+
+internal static class PsdCreation
+{
+    private const int LargestPsdSide = 30_000;
+
+    /// <summary>The sections of a new document; a side beyond 30000 pixels makes it a PSB document.</summary>
+    public static PsdFile Create(int width, int height, ColorModes mode, short depth, CompressionMethod compression)
+    {
+        PixelWriter.VerifySupported(mode, depth);
+        if (!Enum.IsDefined(compression))
+        {
+            throw new ArgumentOutOfRangeException(nameof(compression), $"The compression method {(int)compression} is not known.");
+        }
+        var version = Math.Max(width, height) > LargestPsdSide ? PsdVersion.Psb : PsdVersion.Psd;
+        var channels = PsdHeader.ColorChannelsOf(mode, 1) + 1;
+        var header = new PsdHeader(version, new byte[6], channels, height, width, depth, mode);
+        header.Verify();
+        return new PsdFile
+        {
+            Header = header,
+            Layers = new LayerSection { HasMergedTransparency = true, IsChanged = true, GlobalMask = ReadOnlyMemory<byte>.Empty },
+            Merged = new MergedImage([], header, compression),
+        };
+    }
+}
