@@ -1,0 +1,197 @@
+"""What the built extension shows to the dynamic linker, and what it takes from the interpreter."""
+
+import ctypes
+import os
+import re
+import subprocess
+import sys
+
+import pytest
+from family import WORDS, extension_path
+from peer import STAGE
+from shell_identifiers import IDENTIFIERS
+
+behaviour = pytest.mark.behaviour
+PSD = extension_path()
+
+
+def symbols(*options, path=PSD):
+    """Rows of nm: name and kind."""
+    text = subprocess.run(
+        ["nm", "-C", *options, str(path)], check=True, capture_output=True, text=True
+    ).stdout
+    rows = [re.match(r"(?:[0-9a-f]{16}|\s{16})\s(\S)\s(.*)", line) for line in text.splitlines()]
+    return [(row[2].split("@")[0], row[1]) for row in rows if row]
+
+
+@pytest.fixture(scope="module")
+def defined():
+    return dict(symbols("-D", "--defined-only"))
+
+
+@pytest.fixture(scope="module")
+def imported():
+    return [name for name, _ in symbols("-D", "--undefined-only")]
+
+
+@pytest.fixture(scope="module")
+def everything():
+    return [name.replace("(anonymous namespace)::", "") for name, _ in symbols()]
+
+
+@behaviour("shell-entry.export.pyinit")
+def test_one_entry_is_exported(defined):
+    assert [name for name in defined if name.startswith("PyInit")] == ["PyInit_psd"]
+    assert defined["PyInit_psd"] == "T"
+
+
+@behaviour("shell-identifiers.symbols.exported-count")
+def test_the_identifiers_are_exported_data(defined):
+    found = {name: kind for name, kind in defined.items() if name.startswith("PyWrpId")}
+    assert len(found) == 54
+    assert set(found) == set(IDENTIFIERS)
+    assert set(found.values()) <= set("BD")
+    sizes = subprocess.run(
+        ["nm", "-D", "-S", "--defined-only", str(PSD)], check=True, capture_output=True, text=True
+    ).stdout
+    pointers = re.findall(r"^[0-9a-f]{16} 0{15}8 [BD] PyWrpId", sizes, re.MULTILINE)
+    assert len(pointers) == 54
+
+
+@behaviour("shell-entry.cast-result.exported")
+def test_the_factory_is_exported_data(defined):
+    assert defined["PyShCastOpResult_New"] in "BD"
+    rows = subprocess.run(["nm", "-D", "-S", str(PSD)], capture_output=True, text=True).stdout
+    assert re.search(r"^[0-9a-f]{16} 0{15}8 [BD] PyShCastOpResult_New$", rows, re.MULTILINE)
+
+
+def test_nothing_else_is_exported(defined):
+    assert set(defined) == {
+        *IDENTIFIERS,
+        "PyInit_psd",
+        "PyShCastOpResult_New",
+        "KelmorDomainName",
+        "HostNotReady",
+    }
+
+
+def test_no_symbol_is_unique_in_the_process():
+    for leaf in ("psd", "gfxtypes", "typemodel", "shellbase", "shellcommon"):
+        kinds = {kind for _, kind in symbols("-D", path=extension_path(leaf))}
+        assert "u" not in kinds, leaf
+
+
+@behaviour("shell-entry.locks.no-import")
+def test_the_lock_is_never_touched(imported):
+    assert not [
+        name
+        for name in imported
+        if re.match(r"_?(PyEval_|PyGILState_|PyThread_|PyThreadState_|Py_BEGIN)", name)
+    ]
+    assert "PyModule_AddObject" in imported
+
+
+@behaviour("shell-entry.shutdown.no-hook")
+def test_no_exit_hook_can_be_registered(imported):
+    assert "Py_AtExit" not in imported and "_Py_PyAtExit" not in imported
+
+
+@behaviour("shell-tree.capsule.none-exported")
+def test_capsules_are_taken_and_none_is_made(imported):
+    assert "PyCapsule_Import" in imported
+    assert "PyCapsule_New" not in imported
+
+
+@behaviour("shell-tree.sys-modules.symbols-absent")
+def test_the_table_of_modules_is_out_of_reach(imported):
+    assert "PyImport_AddModule" not in imported
+    assert "PyImport_GetModuleDict" not in imported
+    assert "PyImport_ImportModule" in imported
+
+
+def kinds_of(everything, kind):
+    pattern = re.compile(rf"wrpPy_{kind}_([0-9A-F]{{8}})_([a-z0-9]+)(?:\(\))?$")
+    return {match.groups() for match in map(pattern.match, everything) if match}
+
+
+@behaviour("shell-tree.module.symbol-names")
+def test_each_module_has_definition_methods_and_initialiser(everything):
+    definitions = kinds_of(everything, "mlds")
+    assert definitions == kinds_of(everything, "mlmd") == kinds_of(everything, "mlit")
+    assert ("AFE8B5DB", "psd") in definitions
+    leaves = [leaf for _, leaf in definitions]
+    assert leaves.count("enums") == 3 and leaves.count("psd") == 2
+
+
+@behaviour("shell-tree.module.initialiser-count")
+def test_there_is_one_initialiser_for_each_module(everything):
+    names = [name for name in everything if name.startswith("wrpPy_mlit_")]
+    assert len(names) == len(set(names)) == 80
+
+
+@behaviour("shell-tree.module.handwritten-symbols")
+def test_the_hidden_modules_have_their_symbols(everything):
+    bare = {name.split("(")[0] for name in everything}
+    assert {
+        "wrpPye_mlds_FFFFFF_common_wrappers",
+        "wrpPye_mlds_FFFFFF_interop_wrappers",
+        "wrpPygn_mlds_FFFFFF_generic_wrappers",
+        "wrpPye_mlit_FFFFFFFF_common_wrappers",
+        "wrpPye_mlit_FFFFFFFF_interop_wrappers",
+        "wrpPygn_mlit_FFFFFFFF_generic_wrappers",
+        "wrpPyl_ciap_AFE8B5DB_psd",
+    } <= bare
+
+
+@behaviour("shell-tree.capsule.variables")
+def test_the_words_of_capsules_have_their_variables(everything):
+    stems = {0: "convcaps_py_to_clr", 1: "convcaps_clr_to_py", 2: "trancaps_py_to_clr"}
+    found = {
+        match.groups()
+        for match in (
+            re.match(
+                r"wrpPyl_(convcaps_py_to_clr|convcaps_clr_to_py|trancaps_py_to_clr)"
+                r"_[0-9A-F]{8}_(\w+)$",
+                name,
+            )
+            for name in everything
+        )
+        if match
+    }
+    wanted = {
+        (stems[word], name.rsplit("_", 1)[1]) for name, words in WORDS.items() for word in words
+    }
+    assert found == wanted
+    assert "wrpPyl_convcaps_clr_to_py_C08ECFAB_Type" in everything
+
+
+@behaviour("shell-identifiers.symbols.read-from-outside")
+def test_the_identifiers_can_be_read_from_outside(in_process):
+    def program():
+        from family import Family
+        from shell_identifiers import IDENTIFIERS
+
+        psd = Family().complete().psd()
+        library = ctypes.PyDLL(psd.__file__)
+        found = {name: ctypes.py_object.in_dll(library, name).value for name in IDENTIFIERS}
+        return {name: [type(value) is str, value] for name, value in found.items()}
+
+    assert in_process(program).value == {name: [True, text] for name, text in IDENTIFIERS.items()}
+
+
+def test_each_module_of_the_family_has_its_own_data(in_process):
+    def program():
+        sys.setdlopenflags(os.RTLD_NOW | os.RTLD_GLOBAL)
+        sys.path.insert(0, str(STAGE))
+        leaves = ["shellbase", "typemodel", "gfxtypes", "shellcommon", "psd"]
+        libraries = []
+        for leaf in leaves:
+            module = __import__(f"kelmor.{leaf}", fromlist=["VERSION"])
+            libraries.append(ctypes.PyDLL(module.__file__))
+        names = ["PyWrpIdStr_Empty", "PyShCastOpResult_New", "KelmorDomainName", "HostNotReady"]
+        return {
+            name: len({ctypes.addressof(ctypes.c_void_p.in_dll(lib, name)) for lib in libraries})
+            for name in names
+        }
+
+    assert set(in_process(program).value.values()) == {5}
