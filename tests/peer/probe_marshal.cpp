@@ -259,6 +259,17 @@ PyObject *parse_one(PyConverter converter, PyObject *args, void *target) {
     return Py_NewRef(Py_None);
 }
 
+// Raises the parts as they are (null ones too), as C code does, and catches that:
+// (result, whether an error is pending afterwards).
+PyObject *raise_and_catch(PyObject *type, PyObject *value, PyObject *traceback, PyObject **owner,
+                          PyStringArg *text) {
+    PyErr_Restore(Py_XNewRef(type), Py_XNewRef(value), Py_XNewRef(traceback));
+    const int result = fn_catch_and_clear_py_error(owner, text);
+    const bool pending = PyErr_Occurred() != nullptr;
+    PyErr_Clear();
+    return Py_BuildValue("(ii)", result, pending);
+}
+
 // A converter that answers as its target says, and writes its calls down there.
 struct Answer {
     int64_t result;
@@ -274,7 +285,8 @@ int told_converter(PyObject *value, void *target) {
     return static_cast<int>(answer->result);
 }
 
-const ProbeRow call_rows[] = {PROBE_ROW(convert), PROBE_ROW(parse_one), PROBE_ROW(told_converter)};
+const ProbeRow call_rows[] = {PROBE_ROW(convert), PROBE_ROW(parse_one), PROBE_ROW(raise_and_catch),
+                              PROBE_ROW(told_converter)};
 const ProbeTable call_table(call_rows);
 
 } // namespace
