@@ -1,0 +1,235 @@
+"""A scene for tests of wrappers: a started module over the scripted peer, in a process of its own.
+
+    @scene("binding-wrapper.dealloc.class")
+    def test_a_class_wrapper_gives_its_handle_back_once(s):
+        w = s.wrap(s.Sample, 0x5000)
+        del w
+        assert s.calls("FreeInstance") == [[0x5000]]
+
+The body runs in the process; what it asserts there ends the process when it does not hold. Sample
+types made by hand stand in `s.root`; the interop wrappers in `s.interop`.
+"""
+
+import ctypes
+import gc
+import inspect
+import io
+import struct
+import sys
+import textwrap
+import types
+
+import pytest
+
+import peer
+
+behaviour = pytest.mark.behaviour
+
+POINTER, OBJECT, INT, TEXT = ctypes.c_void_p, ctypes.py_object, ctypes.c_int, ctypes.c_char_p
+CLASSES = {
+    "Exchange": peer.EXCHANGE,
+    "Object": peer.OBJECT,
+    "Sample": "WrpNs_Sample.WrpCs_S",
+    "Derived": "WrpNs_Sample.WrpCs_D",
+    "Value": "WrpNs_Sample.WrpCs_V",
+    "IShape": "WrpNs_Sample.WrpCs_I",
+    "Shade": "WrpNs_Sample.WrpCs_E",
+    "Flags": "WrpNs_Sample.WrpCs_F",
+    "Disposable": "Kelmor.WrpGen.Interop.SiApiDisposable",
+    "Iter": "Kelmor.WrpGen.Interop.SiApiEnumerator",
+    "Iterable": "Kelmor.WrpGen.Interop.SiApiEnumerable",
+    "ICol": "Kelmor.WrpGen.Interop.SiApiCntCollection",
+    "IList": "Kelmor.WrpGen.Interop.SiApiCntList",
+    "Array": "Kelmor.WrpGen.Interop.SiApiArray",
+    "ArrList": "Kelmor.WrpGen.Interop.SiApiArrayList",
+    "ColBase": "Kelmor.WrpGen.Interop.SiApiCollectionBase",
+    "RoColBase": "Kelmor.WrpGen.Interop.SiApiReadOnlyCollectionBase",
+    "Stream": "Kelmor.WrpGen.Interop.SiApiStream",
+    "IntArray": "Kelmor.WrpGen.Generic.SiApiArray_A4A29720",
+    "IntIter": "Kelmor.WrpGen.Generic.SiApiEnumerator_A4A29720",
+    "SampleList": "Kelmor.WrpGen.Generic.SiApiList_0D30925B",
+    "Test": "Test",
+}
+
+
+def scene(*ids, refuse=()):
+    """A test whose body runs in a process of its own, with a Scene as its argument.
+
+    `refuse`: (class, method) pairs for which the peer has no delegate.
+    """
+
+    def decorate(body):
+        lines = textwrap.dedent(inspect.getsource(body)).splitlines()
+        start = next(i for i, line in enumerate(lines) if line.startswith("def "))
+        module = inspect.getmodule(body)
+        shared = "".join(
+            inspect.getsource(value) + "\n"
+            for name, value in vars(module).items()
+            if (inspect.isfunction(value) or inspect.isclass(value))
+            and value.__module__ == module.__name__
+            and not name.startswith("test_")
+        )
+        program = "\n".join(
+            ["from wrappers import *", shared, *lines[start:]]
+            + [f"{body.__name__}(Scene({tuple(refuse)!r}))"]
+        )
+
+        def test(in_process):
+            in_process(program)
+
+        test.__name__, test.__doc__ = body.__name__, body.__doc__
+        test.__module__ = body.__module__
+        return behaviour(*ids)(test) if ids else test
+
+    return decorate
+
+
+def raised(kind, function, *arguments, **keywords):
+    """What a call raises: exactly this kind."""
+    try:
+        function(*arguments, **keywords)
+    except BaseException as error:
+        assert type(error) is kind, repr(error)
+        return error
+    raise AssertionError(f"{kind.__name__} was not raised")
+
+
+def text_of(kind, function, *arguments, **keywords):
+    return str(raised(kind, function, *arguments, **keywords))
+
+
+def handle_of(wrapper):
+    return POINTER.from_address(id(wrapper) + object.__basicsize__).value
+
+
+def i32(word):
+    """The 32-bit number in a register."""
+    return ctypes.c_int32(word & 0xFFFFFFFF).value
+
+
+def i64(word):
+    return ctypes.c_int64(word).value
+
+
+class Scene:
+    def __init__(self, refuse=()):
+        import native
+
+        self.native = native
+        self.script = peer.Script()
+        for name, method in refuse:
+            self.script.refuse(CLASSES[name], method, 77)
+        self.root = types.ModuleType("kelmor.psd")
+        self.kept = []
+        assert self.function("start_wrapped_module", INT, OBJECT)(self.root) == 0
+        self.interop = self.root._wrpgen._interop
+        self.generic = self.root._wrpgen._generic
+        self.Sample, self.Derived = self.root.Sample, self.root.Derived
+        self.Value, self.IShape = self.root.Value, self.root.IShape
+        self.requests_of_start = self.script.requests
+        self.method("Test", "Factory").calls(self.make_result)
+        self.set_pointer("PyShCastOpResult_New", self.method("Test", "Factory").address)
+        self.method("Test", "TypeToPy").calls(lambda f: self.give(f, ("Type", f.integers[0])))
+        self.method("Test", "ObjectToPy").calls(lambda f: self.give(f, ("Object", f.integers[0])))
+        self.method("Test", "EnumToPy").calls(lambda f: self.give(f, ("Enum", f.integers[0])))
+        for name, stub in [
+            ("convcaps_clr_to_py_C08ECFAB_Type", "TypeToPy"),
+            ("convcaps_clr_to_py_359C4ED8_Object", "ObjectToPy"),
+            ("convcaps_clr_to_py_738AFABA_Enum", "EnumToPy"),
+            ("trancaps_py_to_clr_C08ECFAB_Type", "TypeFromPy"),
+            ("trancaps_py_to_clr_359C4ED8_Object", "ObjectFromPy"),
+        ]:
+            self.set_pointer(f"wrpPyl_{name}", self.method("Test", stub).address)
+        self.script.clear_journal()
+
+    # Native functions.
+
+    def function(self, name, result, *arguments):
+        return self.native.function(name, result, *arguments)
+
+    def set_pointer(self, name, address):
+        POINTER.from_address(self.native.address(name)).value = address
+
+    def wrap(self, kind, handle):
+        """A wrapper that owns the handle."""
+        return self.function("fn_py_clr_type_generic_new", OBJECT, POINTER, OBJECT)(handle, kind)
+
+    def convert(self, name, value):
+        """Runs a converter over a VariantArg: (kind, value)."""
+        record = self.native.VariantArg(kind=-7, value=None)
+        convert = self.function(name, INT, OBJECT, POINTER)
+        assert convert(value, ctypes.addressof(record)) == 1
+        return record.kind, record.value
+
+    # The managed side.
+
+    def method(self, kind, name):
+        return self.script.method(CLASSES[kind], name, peer.ASSEMBLY)
+
+    def new_ref(self, value):
+        """The address of an object with one more reference, which somebody will drop."""
+        ctypes.pythonapi.Py_IncRef(OBJECT(value))
+        self.kept.append(value)
+        return id(value)
+
+    def give(self, frame, value):
+        frame.result = self.new_ref(value)
+
+    def make_result(self, frame):
+        """The cast factory: ("cast", status, value), "null" for a null value."""
+        address = frame.integers[1]
+        value = ctypes.cast(address, OBJECT).value if address else "null"
+        frame.result = self.new_ref(("cast", i32(frame.integers[0]), value))
+
+    def returns_object(self, kind, name, value):
+        """The method gives a new reference to the object at each call."""
+        return self.method(kind, name).calls(lambda frame: self.give(frame, value))
+
+    def writes_object(self, kind, name, argument, value, status=0):
+        """The method writes a new reference behind a pointer argument."""
+
+        def write(frame):
+            POINTER.from_address(frame.integers[argument]).value = self.new_ref(value)
+            frame.result = status & 0xFFFFFFFFFFFFFFFF
+
+        return self.method(kind, name).calls(write)
+
+    def type_name(self, name):
+        """What "GetTypeName" answers from now on: a new cell each time."""
+        create = self.function("fn_create_u16_buffer", POINTER, POINTER, INT)
+        raw = name.encode("utf-16-le")
+        text = ctypes.create_string_buffer(raw, len(raw) + 2)
+        self.kept.append(text)
+
+        def answer(frame):
+            frame.result = create(ctypes.addressof(text), len(raw) // 2)
+
+        self.method("Exchange", "GetTypeName").reset().calls(answer)
+
+    def calls(self, name=None, count=1):
+        """First arguments of the calls of a method; of all methods: their names."""
+        entries = [entry for entry in self.script.journal if entry["call"] == "delegate"]
+        entries = [entry for entry in entries if entry["type"] != "Test"]
+        if name is None:
+            return [entry["method"] for entry in entries]
+        return [entry["arguments"][:count] for entry in entries if entry["method"] == name]
+
+    def memory(self, name):
+        """What `shows` kept of each call of a method."""
+        return [
+            [None if part is None else bytes.fromhex(part) for part in entry["snapshots"]]
+            for entry in self.script.journal
+            if entry["call"] == "delegate" and entry["method"] == name
+        ]
+
+    def clear(self):
+        self.script.clear_journal()
+
+
+def variant(raw):
+    """kind and value of the bytes of a VariantArg."""
+    kind, value = struct.unpack("<i4xQ", raw)
+    return kind, value
+
+
+__all__ = [name for name in dir() if not name.startswith("__")]
