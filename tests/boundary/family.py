@@ -76,6 +76,16 @@ def lonely_table(words, side):
     return table
 
 
+def word_table(words):
+    """A table of three words: addresses, or ctypes functions that stay alive."""
+    KEPT.append(words)
+    table = (ctypes.c_void_p * 3)()
+    for index, value in words.items():
+        table[index] = value if isinstance(value, int) else ctypes.cast(value, ctypes.c_void_p)
+    KEPT.append(table)
+    return ctypes.addressof(table)
+
+
 class Family:
     """Stub siblings in this process, and `kelmor.psd` beside them."""
 
@@ -148,6 +158,11 @@ class Family:
         except ImportError as error:
             return chain(error)
         raise AssertionError("the import succeeded")
+
+
+def counts(objects):
+    """The reference counts of mortal objects."""
+    return [ctypes.c_uint32.from_address(id(value)).value for value in objects]
 
 
 def chain(error):
