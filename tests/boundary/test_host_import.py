@@ -1,10 +1,12 @@
 """What an import of the extension makes of its host: when it starts, what it binds, what stays."""
 
 import ctypes
-import os
+import struct
+import sys
 
+import peer
 import pytest
-from peer import EXCHANGE, OBJECT, STAGE
+from peer import EXCHANGE, OBJECT, STAGE, Script
 
 behaviour = pytest.mark.behaviour
 
@@ -179,3 +181,108 @@ def test_the_block_of_a_type_name_is_freed_and_its_characters_are_not(in_process
 
     # A second call of free, or a destructor, would have ended the process.
     assert in_process(program).value == [True, None, False, 0, "No.Such.Type", 1]
+
+
+# The hosts of bound classes.
+
+
+def first_uses(refused=(), times=1):
+    """Uses `Image`; gives the chain of each failure and, for each use, what was asked for."""
+    import family
+
+    script = Script()
+    psd = family.Family().complete().psd()
+    for type_name, method in refused:
+        script.refuse(type_name, method, 77)
+    uses = []
+    for _ in range(times):
+        script.clear_journal()
+        try:
+            psd.Image.can_load("a.psd")
+            error = None
+        except TypeError as raised:
+            error = family.chain(raised)
+        uses.append([error, script.requests])
+    return uses
+
+
+@pytest.fixture(scope="module")
+def image_hosts(tmp_path_factory):
+    """The entry classes that the first use of `Image` binds, each with its first method."""
+    installation = peer.Installation(tmp_path_factory.mktemp("hosts") / "installation")
+    installation.add_runtime()
+    outcome = peer.run_python(first_uses, environment=installation.environment())
+    hosts = {}
+    for type_name, method in outcome.value[0][1]:
+        hosts.setdefault(type_name, method)
+    assert [name.rpartition(".")[2] for name in hosts][:2] == [
+        "WrpCs_Image_7E7D27DF",
+        "WrpCs_DataStre_35B3618B",
+    ], outcome
+    return list(hosts.items())
+
+
+def missing(type_name, method):
+    return (
+        f"While initializing the host for the '{type_name} (Assembly=WrpInterop.Kelmor.PSD)' type,"
+        f" an error occurred - Method '{method}' not found (error=77)"
+    )
+
+
+@behaviour("host-services.lazy.first-use")
+def test_a_missing_delegate_makes_the_type_unusable(in_process, image_hosts):
+    own = image_hosts[0]
+    outcome = in_process(first_uses, [own], 3)
+    texts = [[entry[:2] for entry in error] for error, _ in outcome.value]
+    assert texts == [[["TypeError", missing(*own)]]] * 3
+    assert [requests for _, requests in outcome.value] == [[list(own)], [], []]
+
+
+@behaviour("host-services.lazy.referenced-type")
+def test_a_missing_delegate_of_a_referenced_type_is_the_cause(in_process, image_hosts):
+    own, referenced = image_hosts[:2]
+    outcome = in_process(first_uses, [referenced], 2)
+    for error, _ in outcome.value:
+        assert [entry[:3] for entry in error] == [
+            ["TypeError", "one or more refereced type is not initialized", True],
+            ["TypeError", missing(*referenced), True],
+        ]
+    assert outcome.value[0][1][-1] == list(referenced)
+    assert outcome.value[1][1] == []
+
+
+@behaviour("host-services.lazy.own-host-first")
+def test_a_types_own_host_is_asked_first(in_process, image_hosts):
+    own, referenced = image_hosts[:2]
+    ((error, requests),) = in_process(first_uses, [own, referenced]).value
+    assert [entry[:2] for entry in error] == [["TypeError", missing(*own)]]
+    assert requests == [list(own)]
+
+
+# Several modules of the family.
+
+FAMILY = ["shellbase", "typemodel", "gfxtypes", "shellcommon", "psd"]
+
+
+@behaviour("host-start.shutdown.two-modules")
+@pytest.mark.parametrize("first", ["typemodel", "gfxtypes", "psd"])
+def test_the_modules_of_the_family_share_one_runtime(in_process, first):
+    def program(names, stage):
+        import importlib
+
+        sys.path.insert(0, stage)
+        script = Script()
+        for name in names:
+            importlib.import_module(f"kelmor.{name}")
+        return [call for call in script.calls if call.startswith("coreclr_wrap_")]
+
+    names = [first] + [name for name in FAMILY if name != first]
+    outcome = in_process(program, names, str(STAGE), environment=TRACE)
+    started, ended = "coreclr_wrap_initialize", "coreclr_wrap_shutdown"
+    assert outcome.value.count("coreclr_wrap_load") == outcome.value.count(started) == 1
+    assert outcome.value.count("coreclr_wrap_is_domain_initialized") == 2
+    assert outcome.calls.count(ended) == 1 and outcome.calls[-1] == ended
+    # All in one voice: each module has a diary of its own, and only the first tells of the end.
+    assert outcome.stdout.count("CLR host tracing enabled\r\n") == 3
+    assert outcome.stdout.count("Default AppDomain ready.\r\n") == 1
+    assert outcome.stdout.count(".NET Core host is down: 0\r\n") == 1

@@ -3,7 +3,7 @@
 import ctypes
 
 import pytest
-from peer import ASSEMBLY, EXCHANGE, EXCHANGE_METHODS, OBJECT, OBJECT_METHODS
+from peer import ASSEMBLY, EXCHANGE, EXCHANGE_METHODS, OBJECT, OBJECT_METHODS, Script
 
 behaviour = pytest.mark.behaviour
 

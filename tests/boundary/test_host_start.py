@@ -1,11 +1,12 @@
 """The start of the runtime: which folders, which calls in which order, which end when it fails."""
 
+import ctypes
 import os
 import pathlib
 import sys
 
 import pytest
-from peer import DEBUG_WRAP, ENTRIES, WRAP, wrap_library
+from peer import DEBUG_WRAP, ENTRIES, WRAP, Script, report, wrap_library
 
 behaviour = pytest.mark.behaviour
 
@@ -52,7 +53,7 @@ def attach(runtime, domain=None):
     import native
 
     script = Script()
-    first = ctypes.CDLL(f"{runtime}/libkelmor.embed.coreclrwrap.so", mode=ctypes.RTLD_GLOBAL)
+    ctypes.CDLL(f"{runtime}/libkelmor.embed.coreclrwrap.so", mode=ctypes.RTLD_GLOBAL)
     if domain is not None:
         script.answer("is_domain_initialized", domain)
     native.start_host()
@@ -228,7 +229,7 @@ def test_a_domain_is_created_once(in_process):
     def program():
         import native
 
-        script = Script()
+        Script()
         native.start_host()
         sys.stdout.flush()
         print("again", flush=True)
@@ -673,7 +674,7 @@ def test_the_shutdown_is_the_last_that_the_peer_sees(in_process):
     def program():
         import native
 
-        script = Script()
+        Script()
         native.start_services()
         native.function("exchange_free_instance", None, ctypes.c_void_p)(1)
 

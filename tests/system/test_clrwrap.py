@@ -97,10 +97,11 @@ def test_after_a_refused_load_another_may_succeed(assembly):
         f"""
         runtime = Runtime()
         print(runtime.load("/nowhere/libcoreclr.so"), runtime.load())
-        print(runtime.initialize({str(assembly)!r}), runtime.entry("Add", *[ctypes.c_int] * 2)(2, 3))
+        print(runtime.initialize({str(assembly)!r}))
+        print(runtime.entry("Add", ctypes.c_int, ctypes.c_int)(2, 3))
         """
     )
-    assert out == "0 1\n0 5\n"
+    assert out == "0 1\n0\n5\n"
 
 
 # Starting.
@@ -484,16 +485,17 @@ def test_a_forked_child_is_refused_and_the_parent_is_unharmed(assembly):
         f"""
         runtime = Runtime().start({str(assembly)!r})
         add = runtime.entry("Add", ctypes.c_int, ctypes.c_int)
-        children = [os.fork() for _ in range(1)]
-        if children[0] == 0:
+        child = os.fork()
+        if child == 0:
             print(runtime.is_running(), hex(runtime.delegate("Start", "Start.Entries", "Add")[0]))
             print(hex(runtime.shutdown()), flush=True)
             sys.exit(3)
-        print(os.WEXITSTATUS(os.waitpid(children[0], 0)[1]))
-        print(add(2, 5), runtime.is_running(), runtime.delegate("Start", "Start.Entries", "Spin")[0])
+        print(os.WEXITSTATUS(os.waitpid(child, 0)[1]))
+        print(add(2, 5), runtime.is_running())
+        print(runtime.delegate("Start", "Start.Entries", "Spin")[0])
         """
     )
-    assert out == "0 0x80131023\n0x80131023\n3\n7 1 0\n"
+    assert out == "0 0x80131023\n0x80131023\n3\n7 1\n0\n"
     assert err == ""
 
 
