@@ -6,7 +6,12 @@ namespace Kelmor.WrpGen.Interop.Tests;
 
 public unsafe class AdapterTests : TestBase
 {
-    private static VariantArg Argument(int kind, nint value) => new() { Kind = kind, Value = value };
+    private static VariantArg Argument(int kind, nint value) =>
+        new() { Kind = kind, Value = value };
+
+    // A list for kind 2, a tuple for kind 3.
+    private static nint Items(int kind, params object[] items) =>
+        kind == 2 ? FakePython.NewList(items) : FakePython.NewTuple(items);
 
     [Fact]
     public void A_python_list_is_a_live_view()
@@ -186,18 +191,18 @@ public unsafe class AdapterTests : TestBase
     public void An_array_argument_is_a_copy_read_by_the_typed_callbacks(int kind)
     {
         int alive = FakePython.Alive;
-        nint python = kind == 2 ? FakePython.NewList(1, 2, 3) : FakePython.NewTuple(1, 2, 3);
+        nint python = Items(kind, 1, 2, 3);
         VariantArg argument = Argument(kind, python);
         Assert.Equal([1, 2, 3], Args.Array<short>(&argument)!);
         FakePython.Release(python);
 
-        python = kind == 2 ? FakePython.NewList("a", "\U0001F600", "") : FakePython.NewTuple("a", "\U0001F600", "");
+        python = Items(kind, "a", "\U0001F600", "");
         argument = Argument(kind, python);
         Assert.Equal(["a", "\U0001F600", ""], Args.Array<string>(&argument)!);
         FakePython.Release(python);
 
         var wrapper = new FakeWrapper(Own(new Sample(8)));
-        python = kind == 2 ? FakePython.NewList(wrapper) : FakePython.NewTuple(wrapper);
+        python = Items(kind, wrapper);
         argument = Argument(kind, python);
         Assert.Equal([new Sample(8)], Args.Array<Sample>(&argument)!);
         FakePython.Release(python);
@@ -209,7 +214,7 @@ public unsafe class AdapterTests : TestBase
     [InlineData(3)]
     public void A_refused_element_keeps_the_words_of_its_converter(int kind)
     {
-        nint python = kind == 2 ? FakePython.NewList(1, 70000) : FakePython.NewTuple(1, 70000);
+        nint python = Items(kind, 1, 70000);
         PythonException error = Assert.Throws<PythonException>(() => ShortArray(kind, python));
         Assert.Equal("OverflowError: value '70000' is out of the INT16 range", error.Message);
         foreach (nint item in (IList<nint>)FakePython.Value(python))
@@ -230,20 +235,22 @@ public unsafe class AdapterTests : TestBase
     [InlineData(3)]
     public void Elements_without_a_reader_of_their_own_are_fitted(int kind)
     {
-        nint python = kind == 2 ? FakePython.NewList(1, 2.5) : FakePython.NewTuple(1, 2.5);
+        nint python = Items(kind, 1, 2.5);
         VariantArg argument = Argument(kind, python);
         Assert.Equal([1.0, 2.5], Args.Array<double>(&argument)!);
         Assert.Equal([1, 2.5], Args.Array<object>(&argument)!);
         Assert.Equal([1.0, 2.5], Args.GenericList<double>(&argument)!);
-        Assert.Equal(new object[] { 1, 2.5 }, Args.CollectionBase(&argument)!.Cast<object>());
-        Assert.Equal(new object[] { 1, 2.5 }, Args.ReadOnlyCollectionBase(&argument)!.Cast<object>());
+        object[] expected = [1, 2.5];
+        Assert.Equal(expected, Args.CollectionBase(&argument)!.Cast<object>());
+        Assert.Equal(expected, Args.ReadOnlyCollectionBase(&argument)!.Cast<object>());
         FakePython.Release(python);
     }
 
     [Fact]
     public void Lists_within_a_list_become_arrays_within_an_array()
     {
-        nint python = FakePython.New(new List<nint> { FakePython.NewList(1, 2.5), FakePython.NewTuple(3) });
+        nint python = FakePython.New(
+            new List<nint> { FakePython.NewList(1, 2.5), FakePython.NewTuple(3) });
         VariantArg argument = Argument(2, python);
         float[][] rows = Args.Array<float[]>(&argument)!;
         Assert.Equal([1f, 2.5f], rows[0]);
@@ -278,7 +285,8 @@ public unsafe class AdapterTests : TestBase
     [InlineData("SiApiArrayList", "CreateInstanceFromPyList", typeof(ArrayList))]
     [InlineData("SiApiArray", "CreateInstanceFromPyList", typeof(object[]))]
     [InlineData("SiApiCollectionBase", "CreateInstanceFromPyList", typeof(CollectionBase))]
-    [InlineData("SiApiReadOnlyCollectionBase", "CreateInstanceFromPyList", typeof(ReadOnlyCollectionBase))]
+    [InlineData(
+        "SiApiReadOnlyCollectionBase", "CreateInstanceFromPyList", typeof(ReadOnlyCollectionBase))]
     [InlineData("SiApiCntCollection", "CreateInstanceFromPyIterable", typeof(PyCollection))]
     [InlineData("SiApiEnumerable", "CreateInstanceFromPyIterable", typeof(PyEnumerable))]
     public void An_instance_is_made_of_a_python_object(string type, string method, Type expected)

@@ -34,8 +34,8 @@ public unsafe class ListEntryTests : TestBase
     private static void Insert(nint self, int index, object value)
     {
         VariantArg argument = Value(value);
-        ((delegate* unmanaged<nint, int, VariantArg*, void>)Entry.Address("SiApiCntList", "Insert"))(
-            self, index, &argument);
+        ((delegate* unmanaged<nint, int, VariantArg*, void>)Entry.Address(
+            "SiApiCntList", "Insert"))(self, index, &argument);
     }
 
     private static (int Status, object? Item) Pop(nint self, int? index = null)
@@ -46,7 +46,8 @@ public unsafe class ListEntryTests : TestBase
         return (status, item == 0 ? null : FakePython.Take(item));
     }
 
-    private static int Index(string type, nint self, object value, int? start = null, int? stop = null)
+    private static int Index(
+        string type, nint self, object value, int? start = null, int? stop = null)
     {
         VariantArg argument = Value(value);
         return ((delegate* unmanaged<nint, int, int, int, int, VariantArg*, int>)Entry.Address(
@@ -196,7 +197,8 @@ public unsafe class ListEntryTests : TestBase
     public void A_slice_is_removed_from_its_highest_index_down(
         int start, int count, int step, int[] expected)
     {
-        foreach (IList list in new IList[] { new List<int>([0, 1, 2, 3, 4]), new ArrayList(new[] { 0, 1, 2, 3, 4 }) })
+        int[] items = [0, 1, 2, 3, 4];
+        foreach (IList list in new IList[] { new List<int>(items), new ArrayList(items) })
         {
             ((delegate* unmanaged<nint, int, int, int, void>)Entry.Address(
                 "SiApiCntList", "MpRemoveItems"))(Own(list), start, count, step);
@@ -308,7 +310,8 @@ public unsafe class ListEntryTests : TestBase
         int status = ((delegate* unmanaged<nint, PyObjectOutArg*, int>)Entry.Address(
             "SiApiEnumerable", "GetEnumerator"))(Own(new[] { 1, 2 }), &made);
         Assert.Equal(0, status);
-        var next = (delegate* unmanaged<nint, nint*, int>)Entry.Address("SiApiEnumerator", "MoveNext");
+        var next = (delegate* unmanaged<nint, nint*, int>)Entry.Address(
+            "SiApiEnumerator", "MoveNext");
         nint item;
         Assert.Equal(0, next(made.Handle, &item));
         Assert.Equal(1, FakePython.Take(item));
@@ -329,7 +332,8 @@ public unsafe class ListEntryTests : TestBase
     public void An_enumerator_that_throws_is_neither_an_item_nor_the_end()
     {
         nint self = Own(Breaking().GetEnumerator());
-        var next = (delegate* unmanaged<nint, nint*, int>)Entry.Address("SiApiEnumerator", "MoveNext");
+        var next = (delegate* unmanaged<nint, nint*, int>)Entry.Address(
+            "SiApiEnumerator", "MoveNext");
         nint item;
         Assert.Equal(0, next(self, &item));
         FakePython.Release(item);
@@ -339,8 +343,10 @@ public unsafe class ListEntryTests : TestBase
 
     public static TheoryData<string, Type> Assignables => new()
     {
-        { "SiApiDisposable", typeof(MemoryStream) }, { "SiApiEnumerator", typeof(List<int>.Enumerator) },
-        { "SiApiEnumerable", typeof(ArrayList) }, { "SiApiCntCollection", typeof(ArrayList) },
+        { "SiApiDisposable", typeof(MemoryStream) },
+        { "SiApiEnumerator", typeof(List<int>.Enumerator) },
+        { "SiApiEnumerable", typeof(ArrayList) },
+        { "SiApiCntCollection", typeof(ArrayList) },
         { "SiApiCntList", typeof(ArrayList) },
     };
 
@@ -371,7 +377,8 @@ public unsafe class ListEntryTests : TestBase
     public void A_class_has_its_cast_protocol(string type, Type expected)
     {
         nint result;
-        Assert.Equal(1, ((delegate* unmanaged<nint*, int>)Entry.Address(type, "btp_TypeOf"))(&result));
+        Assert.Equal(1, ((delegate* unmanaged<nint*, int>)Entry.Address(
+            type, "btp_TypeOf"))(&result));
         Assert.Same(expected, Handles.Target<Type>(result));
         Handles.Free(result);
 

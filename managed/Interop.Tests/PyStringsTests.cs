@@ -66,8 +66,10 @@ public unsafe class PyStringsTests
             int length = random.Next(0, 70);
             for (int i = 0; i < length; i++)
             {
-                int plane = random.Next(6) == 0 ? random.Next(0x10000, 0x110000) : random.Next(0xD800);
-                text.Append(char.ConvertFromUtf32(plane));
+                int point = random.Next(6) == 0
+                    ? random.Next(0x10000, 0x110000)
+                    : random.Next(0xD800);
+                text.Append(char.ConvertFromUtf32(point));
             }
             uint[] points = [.. text.ToString().EnumerateRunes().Select(r => (uint)r.Value)];
             Assert.Equal(text.ToString(), Decode(points));

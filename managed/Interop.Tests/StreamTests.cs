@@ -116,7 +116,10 @@ public unsafe class StreamTests : TestBase
     }
 
     public static TheoryData<string> Operations =>
-        ["read", "readbyte", "write", "writebyte", "seek", "tell", "length", "truncate", "flush", "readable"];
+    [
+        "read", "readbyte", "write", "writebyte", "seek", "tell", "length", "truncate", "flush",
+        "readable",
+    ];
 
     [Theory]
     [MemberData(nameof(Operations))]

@@ -5,7 +5,9 @@ using Kelmor.WrpGen.Interop.Tests.Fakes;
 
 namespace Kelmor.WrpGen.Interop.Tests;
 
-/// <summary>Counts handles before and after a test, and looks that no error is left pending.</summary>
+/// <summary>
+/// Counts handles before and after a test, and looks that no error is left pending.
+/// </summary>
 public abstract class TestBase : IDisposable
 {
     private readonly long _handles;

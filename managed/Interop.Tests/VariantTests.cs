@@ -18,9 +18,10 @@ public unsafe class VariantTests : TestBase
 
     public static TheoryData<object> Values => [.. new object[]
     {
-        "text", "", "\u4E2D", "\U0001F600", true, false, 0, -1, int.MinValue, (long)int.MaxValue + 1,
-        long.MinValue, (ulong)long.MaxValue + 1, ulong.MaxValue, 1.5, double.NaN, 0.1m, -79228162514264337593543950335m,
-        new DateTime(2020, 2, 29, 1, 2, 3), new DateTimeOffset(2020, 1, 1, 0, 0, 0, TimeSpan.FromHours(2)),
+        "text", "", "\u4E2D", "\U0001F600", true, false, 0, -1, int.MinValue,
+        (long)int.MaxValue + 1, long.MinValue, (ulong)long.MaxValue + 1, ulong.MaxValue, 1.5,
+        double.NaN, 0.1m, -79228162514264337593543950335m, new DateTime(2020, 2, 29, 1, 2, 3),
+        new DateTimeOffset(2020, 1, 1, 0, 0, 0, TimeSpan.FromHours(2)),
         TimeSpan.FromDays(-3), Guid.Parse("00112233-4455-6677-8899-aabbccddeeff"),
     }];
 
@@ -98,11 +99,12 @@ public unsafe class VariantTests : TestBase
 
     public static TheoryData<object, object> Results_ => new()
     {
-        { (sbyte)-5, -5 }, { (short)-300, -300 }, { 7, 7 }, { (byte)200, 200L }, { (ushort)60000, 60000L },
-        { 4000000000u, 4000000000L }, { long.MaxValue, long.MaxValue }, { ulong.MaxValue, ulong.MaxValue },
-        { 1.5f, 1.5 }, { 2.5, 2.5 }, { true, true }, { 'x', "x" }, { "text", "text" }, { DayOfWeek.Friday, 5 },
-        { 12.50m, 12.50m }, { TimeSpan.FromTicks(5), TimeSpan.FromTicks(5) },
-        { Guid.Parse("00112233-4455-6677-8899-aabbccddeeff"), Guid.Parse("00112233-4455-6677-8899-aabbccddeeff") },
+        { (sbyte)-5, -5 }, { (short)-300, -300 }, { 7, 7 }, { (byte)200, 200L },
+        { (ushort)60000, 60000L }, { 4000000000u, 4000000000L }, { long.MaxValue, long.MaxValue },
+        { ulong.MaxValue, ulong.MaxValue }, { 1.5f, 1.5 }, { 2.5, 2.5 }, { true, true },
+        { 'x', "x" }, { "text", "text" }, { DayOfWeek.Friday, 5 }, { 12.50m, 12.50m },
+        { TimeSpan.FromTicks(5), TimeSpan.FromTicks(5) },
+        { new Guid(1, 2, 3, new byte[8]), new Guid(1, 2, 3, new byte[8]) },
         { new DateTimeOffset(2020, 1, 1, 0, 0, 0, TimeSpan.FromHours(-2)),
             new DateTimeOffset(2020, 1, 1, 0, 0, 0, TimeSpan.FromHours(-2)) },
     };

@@ -1,4 +1,5 @@
-// Reads collection, enumerable and stream arguments: managed objects, or Python ones behind adapters.
+// Reads collection, enumerable and stream arguments: managed objects, or Python ones behind
+// adapters.
 using System.Collections;
 
 namespace Kelmor.WrpGen.Interop;
@@ -64,7 +65,9 @@ internal static unsafe partial class Args
         _ => Handle<T[]>(argument),
     };
 
-    /// <summary>An array of unknown element type; a Python sequence gives an object array.</summary>
+    /// <summary>
+    /// An array of unknown element type; a Python sequence gives an object array.
+    /// </summary>
     public static Array? Array(VariantArg* argument) => (CollectionKind)argument->Kind switch
     {
         CollectionKind.Handle => Handle<Array>(argument),
@@ -83,7 +86,9 @@ internal static unsafe partial class Args
             ? Handle<ArrayList>(argument)
             : System.Collections.ArrayList.Adapter(List(argument)!);
 
-    /// <summary>A CollectionBase: the managed one itself, or one filled from the sequence.</summary>
+    /// <summary>
+    /// A CollectionBase: the managed one itself, or one filled from the sequence.
+    /// </summary>
     public static CollectionBase? CollectionBase(VariantArg* argument) =>
         (CollectionKind)argument->Kind == CollectionKind.Handle
             ? Handle<CollectionBase>(argument)

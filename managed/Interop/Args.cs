@@ -4,8 +4,8 @@ using System.Runtime.CompilerServices;
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// One method for each form. Everything lent is copied or, for a Python object that stays, pinned by
-/// an adapter; nothing here keeps a pointer into Python's memory.
+/// One method for each form. Everything lent is copied or, for a Python object that stays, pinned
+/// by an adapter; nothing here keeps a pointer into Python's memory.
 /// </summary>
 internal static unsafe partial class Args
 {

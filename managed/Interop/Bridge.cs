@@ -14,7 +14,9 @@ internal static unsafe class Bridge
     /// </summary>
     public static void Enter() => PyReleases.Drain();
 
-    /// <summary>Leaves the exception to Python as its error; gives the default of the result.</summary>
+    /// <summary>
+    /// Leaves the exception to Python as its error; gives the default of the result.
+    /// </summary>
     public static T? Raise<T>(Exception exception)
     {
         Raise(exception);
@@ -49,7 +51,9 @@ internal static unsafe class Bridge
         return status;
     }
 
-    /// <summary>Takes the pending Python error away and gives it as an exception to throw.</summary>
+    /// <summary>
+    /// Takes the pending Python error away and gives it as an exception to throw.
+    /// </summary>
     public static PythonException PythonError()
     {
         nint owner = 0;

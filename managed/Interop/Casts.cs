@@ -75,8 +75,8 @@ internal static unsafe class Casts
     }
 
     /// <summary>
-    /// An object as another type: itself when it is one, else through a conversion operator that one
-    /// of the two types defines.
+    /// An object as another type: itself when it is one, else through a conversion operator that
+    /// one of the two types defines.
     /// </summary>
     public static int CastFrom(nint self, nint type, nint* result)
     {
@@ -223,7 +223,9 @@ internal static unsafe class Casts
         new($"Unable to cast object of type '{target?.GetType()}' to type '{type}'.");
 }
 
-/// <summary>Stands for a static class where a type of objects is asked for: nothing is one.</summary>
+/// <summary>
+/// Stands for a static class where a type of objects is asked for: nothing is one.
+/// </summary>
 internal sealed class NoInstance
 {
     private NoInstance()

@@ -4,7 +4,8 @@ using System.Runtime.InteropServices;
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// Bound by name at start-up. The setters keep pointers that stay valid for the life of the process.
+/// Bound by name at start-up. The setters keep pointers that stay valid for the life of the
+/// process.
 /// </summary>
 public static unsafe class ExchangeHost
 {
@@ -60,8 +61,8 @@ public static unsafe class ExchangeHost
     private static void SetPyGenericCallbacks(void*** tables) => PyApi.Generic = tables;
 
     /// <summary>
-    /// Lets go of handles that were made for a call which did not take place; Python objects in such
-    /// records were only lent.
+    /// Lets go of handles that were made for a call which did not take place; Python objects in
+    /// such records were only lent.
     /// </summary>
     [UnmanagedCallersOnly]
     private static void FreePendingArgs(VariantArg* arguments, int count)
@@ -97,7 +98,9 @@ public static unsafe class ExchangeHost
         }
     }
 
-    /// <summary>Runs when all callbacks have been handed over; a missing one is told here.</summary>
+    /// <summary>
+    /// Runs when all callbacks have been handed over; a missing one is told here.
+    /// </summary>
     [UnmanagedCallersOnly]
     private static void InitServices()
     {

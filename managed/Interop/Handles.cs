@@ -41,7 +41,9 @@ internal static unsafe class Handles
         }
     }
 
-    /// <summary>The object behind a handle that must not be null, such as the self of a call.</summary>
+    /// <summary>
+    /// The object behind a handle that must not be null, such as the self of a call.
+    /// </summary>
     public static T Target<T>(nint handle) where T : class =>
         handle == 0 ? throw Missing(typeof(T)) : Cast<T>(GCHandle.FromIntPtr(handle).Target);
 
@@ -49,7 +51,9 @@ internal static unsafe class Handles
     public static T? Optional<T>(nint handle) where T : class =>
         handle == 0 ? null : Cast<T>(GCHandle.FromIntPtr(handle).Target);
 
-    /// <summary>The boxed struct behind a handle, in place: what is set through it is seen by all.</summary>
+    /// <summary>
+    /// The boxed struct behind a handle, in place: what is set through it is seen by all.
+    /// </summary>
     public static ref T Unbox<T>(nint handle) where T : struct
     {
         if (handle == 0)

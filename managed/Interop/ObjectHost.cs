@@ -4,8 +4,8 @@ using System.Runtime.InteropServices;
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// Bound by name at start-up. Each operation exists for class handles ("Obj") and for struct handles
-/// ("Stc"); both are GC handles here, so a pair shares its body.
+/// Bound by name at start-up. Each operation exists for class handles ("Obj") and for struct
+/// handles ("Stc"); both are GC handles here, so a pair shares its body.
 /// </summary>
 public static unsafe class ObjectHost
 {
@@ -64,7 +64,9 @@ public static unsafe class ObjectHost
     [UnmanagedCallersOnly]
     private static int GetStcType(nint handle, nint* result) => GetTypeOf(handle, result);
 
-    /// <summary>The end of a "with" block; an object with nothing to dispose of is left alone.</summary>
+    /// <summary>
+    /// The end of a "with" block; an object with nothing to dispose of is left alone.
+    /// </summary>
     [UnmanagedCallersOnly]
     private static void Dispose(nint handle)
     {

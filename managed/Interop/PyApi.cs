@@ -2,7 +2,8 @@
 //
 // A table is indexed by its slots, so a field must never move. All tables live as long as the
 // process: pointers to them are kept, nothing is copied or freed. Every callback may be used on the
-// thread of the current boundary call only, for the interpreter lock is held there and nowhere else.
+// thread of the current boundary call only, for the interpreter lock is held there and nowhere
+// else.
 using System.Runtime.InteropServices;
 
 namespace Kelmor.WrpGen.Interop;
@@ -65,7 +66,9 @@ internal unsafe struct PyWriteCallbacks
     public delegate* unmanaged<int, nint> Char;
 }
 
-/// <summary>Buffers that managed code holds itself; the block's size is asked, never assumed.</summary>
+/// <summary>
+/// Buffers that managed code holds itself; the block's size is asked, never assumed.
+/// </summary>
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct PyBufferCallbacks
 {
@@ -79,7 +82,9 @@ internal unsafe struct PyBufferCallbacks
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct PyTpoCallbacks
 {
-    /// <summary>1 done, 0 type not known (the handle is released), -1 with a Python error.</summary>
+    /// <summary>
+    /// 1 done, 0 type not known (the handle is released), -1 with a Python error.
+    /// </summary>
     public delegate* unmanaged<nint, long, nint*, int> TryWrite;
 }
 
@@ -112,7 +117,9 @@ internal unsafe struct PyCollectionCallbacks
     public delegate* unmanaged<nint, nint*, int*, char**, int> GetUnicodeBytes;
 }
 
-/// <summary>A Python list; items that go in are new references, which the callee consumes.</summary>
+/// <summary>
+/// A Python list; items that go in are new references, which the callee consumes.
+/// </summary>
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct PyListCallbacks
 {
@@ -162,7 +169,9 @@ internal unsafe struct PyStreamCallbacks
     public delegate* unmanaged<nint, long> Length;
 }
 
-/// <summary>Where the native side's callbacks are kept once the exchange host has been given them.</summary>
+/// <summary>
+/// Where the native side's callbacks are kept once the exchange host has been given them.
+/// </summary>
 internal static unsafe class PyApi
 {
     // The exception bridge and the builders, each handed over by a setter of its own.
@@ -206,9 +215,9 @@ internal static unsafe class PyApi
     {
         bool builders = OnException != null && CatchAndClearError != null && CreateU16 != null
             && CreateString != null && CreateUnraisableString != null && CreateBytes != null;
-        bool tables = Object != null && Read != null && Write != null && Buffer != null && Tpo != null
-            && Iter != null && Collection != null && List != null && Sequence != null
-            && Stream != null;
+        bool tables = Object != null && Read != null && Write != null && Buffer != null
+            && Tpo != null && Iter != null && Collection != null && List != null
+            && Sequence != null && Stream != null;
         if (!builders || !tables)
         {
             throw new InvalidOperationException("The native side handed over too few callbacks.");

@@ -60,7 +60,9 @@ internal sealed unsafe class PyRef
     }
 }
 
-/// <summary>An adapter over a Python object, which comes back to Python as that very object.</summary>
+/// <summary>
+/// An adapter over a Python object, which comes back to Python as that very object.
+/// </summary>
 internal interface IPyAdapter
 {
     /// <summary>The object, borrowed.</summary>

@@ -2,8 +2,9 @@
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// The queue of late releases. A finaliser runs on a thread without the interpreter lock, so it only
-/// puts its pointer here; the next boundary call, which holds the lock, gives the references back.
+/// The queue of late releases. A finaliser runs on a thread without the interpreter lock, so it
+/// only puts its pointer here; the next boundary call, which holds the lock, gives the references
+/// back.
 /// </summary>
 internal static unsafe class PyReleases
 {
@@ -31,7 +32,9 @@ internal static unsafe class PyReleases
         while (Interlocked.CompareExchange(ref s_head, node, node.Next) != node.Next);
     }
 
-    /// <summary>Gives back what waits. The test for nothing is all that a usual call pays.</summary>
+    /// <summary>
+    /// Gives back what waits. The test for nothing is all that a usual call pays.
+    /// </summary>
     public static void Drain()
     {
         if (s_head is not null)
@@ -43,7 +46,8 @@ internal static unsafe class PyReleases
     private static void DrainAll()
     {
         // The whole chain is taken first: a release runs Python code, which may come back here.
-        for (Node? node = Interlocked.Exchange(ref s_head, null); node is not null; node = node.Next)
+        Node? node = Interlocked.Exchange(ref s_head, null);
+        for (; node is not null; node = node.Next)
         {
             Interlocked.Decrement(ref s_count);
             PyApi.Object->XDecRef(node.PyObject);

@@ -7,8 +7,8 @@ using System.Text;
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// Decodes Latin-1, UCS-2 and UCS-4 buffers. Code points above U+FFFF become surrogate pairs; a lone
-/// surrogate, which a Python str may hold, is kept as the unit it is.
+/// Decodes Latin-1, UCS-2 and UCS-4 buffers. Code points above U+FFFF become surrogate pairs; a
+/// lone surrogate, which a Python str may hold, is kept as the unit it is.
 /// </summary>
 internal static unsafe class PyStrings
 {

@@ -78,7 +78,9 @@ internal unsafe struct PySysVersionArg
     /// <summary>2, 3 or 4 components; -1 stands for None.</summary>
     public int Count;
 
-    /// <summary>Major, minor, build, revision; the first <see cref="Count"/> are meaningful.</summary>
+    /// <summary>
+    /// Major, minor, build, revision; the first <see cref="Count"/> are meaningful.
+    /// </summary>
     public fixed int Components[4];
 }
 
@@ -118,7 +120,9 @@ internal enum VariantKind
     Tuple = 16,
 }
 
-/// <summary>Kinds of a <see cref="VariantArg"/> for a collection, enumerable or stream parameter.</summary>
+/// <summary>
+/// Kinds of a <see cref="VariantArg"/> for a collection, enumerable or stream parameter.
+/// </summary>
 internal enum CollectionKind
 {
     Handle = 0,

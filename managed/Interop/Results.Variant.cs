@@ -92,7 +92,8 @@ internal static unsafe partial class Results
                 return write->Guid((byte*)words);
             default:
                 // A copy, as unboxing makes one: the wrapper must not change the managed value.
-                return write->Tpo(Handles.Alloc(RuntimeHelpers.GetObjectValue(value)), TypeNames.Token(value));
+                nint copy = Handles.Alloc(RuntimeHelpers.GetObjectValue(value));
+                return write->Tpo(copy, TypeNames.Token(value));
         }
     }
 
@@ -100,8 +101,8 @@ internal static unsafe partial class Results
     private static nint Number(Enum member) =>
         Scalar((ValueType)Convert.ChangeType(member, Enum.GetUnderlyingType(member.GetType())));
 
-    // The exact exposed type first. A list of a type that is not exposed still has its interface, and
-    // a collection that is no list goes over as a copy.
+    // The exact exposed type first. A list of a type that is not exposed still has its interface,
+    // and a collection that is no list goes over as a copy.
     private static nint Wrapper(object value)
     {
         long token = TypeNames.Token(value);

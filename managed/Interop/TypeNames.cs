@@ -10,8 +10,8 @@ internal static class TypeNames
         value is null ? 0 : value.GetType().TypeHandle.Value;
 
     /// <summary>
-    /// The full name under which an object's type is exposed. What the library keeps to itself shows
-    /// as its nearest public ancestor.
+    /// The full name under which an object's type is exposed. What the library keeps to itself
+    /// shows as its nearest public ancestor.
     /// </summary>
     public static string Exposed(object value)
     {
@@ -27,6 +27,8 @@ internal static class TypeNames
         return Name(type);
     }
 
-    /// <summary>The full name of a type; nested types are joined to their outer one by "+".</summary>
+    /// <summary>
+    /// The full name of a type; nested types are joined to their outer one by "+".
+    /// </summary>
     public static string Name(Type type) => type.FullName ?? type.Name;
 }

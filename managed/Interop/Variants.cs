@@ -12,13 +12,15 @@ internal static class Variants
     /// <summary>The value as an element of the type; throws when it does not fit.</summary>
     public static object? Fit(object? value, Type type)
     {
-        if (value is null || type == typeof(object) || type.IsInstanceOfType(value))
-        {
-            return value is not null || !type.IsValueType || Nullable.GetUnderlyingType(type) is not null
-                ? value
-                : throw NoFit(value, type);
-        }
         Type target = Nullable.GetUnderlyingType(type) ?? type;
+        if (value is null)
+        {
+            return !type.IsValueType || type != target ? null : throw NoFit(value, type);
+        }
+        if (type.IsInstanceOfType(value))
+        {
+            return value;
+        }
         if (target.IsEnum && IsInteger(value))
         {
             return Enum.ToObject(target, Fit(value, Enum.GetUnderlyingType(target))!);

@@ -120,7 +120,9 @@ public sealed class Bitmap : Image
     /// <summary>Sets the colour of a pixel.</summary>
     public void SetPixel(int x, int y, Color color) => _pixels[IndexOf(x, y)] = color.ToArgb();
 
-    /// <summary>All pixels, row by row, each as one number with alpha in the highest byte.</summary>
+    /// <summary>
+    /// All pixels, row by row, each as one number with alpha in the highest byte.
+    /// </summary>
     public int[] GetArgb32Pixels() => [.. _pixels];
 
     /// <summary>Sets all pixels.</summary>
@@ -129,7 +131,8 @@ public sealed class Bitmap : Image
         ArgumentNullException.ThrowIfNull(pixels);
         if (pixels.Length != _pixels.Length)
         {
-            throw new ArgumentException($"The bitmap has {_pixels.Length} pixels, not {pixels.Length}.");
+            throw new ArgumentException(
+                $"The bitmap has {_pixels.Length} pixels, not {pixels.Length}.");
         }
         pixels.CopyTo(_pixels, 0);
     }

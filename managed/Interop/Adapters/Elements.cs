@@ -42,7 +42,8 @@ internal static unsafe class Elements<T>
         }
         if (Reader(sequence: true) == null)
         {
-            // By its iterator, which hands each item's reference over, as the indexed read does not.
+            // By its iterator, which hands each item's reference over, as the indexed read does
+            // not.
             var all = new List<T>(length);
             PyIteration.Each(sequence, item => all.Add(FromVariant(item)));
             return [.. all];

@@ -2,8 +2,8 @@
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// The positions in the native table of typed element readers. The generated half fills it; a module
-/// without generic instances has no such half, and then every element is read as a variant.
+/// The positions in the native table of typed element readers. The generated half fills it; a
+/// module without generic instances has no such half, and then every element is read as a variant.
 /// </summary>
 internal static partial class GenericTable
 {

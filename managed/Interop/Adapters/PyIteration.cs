@@ -52,7 +52,8 @@ internal static unsafe class PyIteration
 
     /// <summary>
     /// One item of a sequence. The indexed read leaves a reference with the value; it is given back
-    /// here. For a wrapper the value is its handle, so the wrapper itself is found by walking there.
+    /// here. For a wrapper the value is its handle, so the wrapper itself is found by walking
+    /// there.
     /// </summary>
     public static object? At(nint sequence, int index)
     {
@@ -75,7 +76,8 @@ internal static unsafe class PyIteration
         }
         finally
         {
-            PyApi.Object->XDecRef(wrapper ? Wrapper(sequence, index, variant.Value) : variant.Value);
+            PyApi.Object->XDecRef(
+                wrapper ? Wrapper(sequence, index, variant.Value) : variant.Value);
         }
     }
 

@@ -3,8 +3,8 @@ namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
 /// Drives a Python raw or buffered stream. Nothing is buffered here: each call is one call of the
-/// Python object. The object belongs to the Python program, so disposing of the adapter flushes what
-/// was written and leaves it open, unless the adapter was made as its owner.
+/// Python object. The object belongs to the Python program, so disposing of the adapter flushes
+/// what was written and leaves it open, unless the adapter was made as its owner.
 /// </summary>
 internal sealed unsafe class PyStream : Stream, IPyAdapter
 {
@@ -115,7 +115,8 @@ internal sealed unsafe class PyStream : Stream, IPyAdapter
 
     protected override void Dispose(bool disposing)
     {
-        // Without the interpreter lock nothing can be done; the reference has a finaliser of its own.
+        // Without the interpreter lock nothing can be done; the reference has a finaliser of its
+        // own.
         if (disposing && !_disposed)
         {
             try

@@ -71,7 +71,9 @@ internal static unsafe class GenericListApi<T>
     /// <summary>0 when removed, or 2 when the index is out of range.</summary>
     public static int RemoveAt(nint self, int index) => ListOps<T>.RemoveAt(List(self), index);
 
-    /// <summary>0 with the item, 1 when the list is empty, 2 when the index is out of range.</summary>
+    /// <summary>
+    /// 0 with the item, 1 when the list is empty, 2 when the index is out of range.
+    /// </summary>
     public static int Pop(nint self, int hasIndex, int index, out T? item) =>
         ListOps<T>.Pop(List(self), hasIndex != 0, index, out item);
 
@@ -101,8 +103,8 @@ internal static unsafe class GenericListApi<T>
 internal static unsafe class GenericEnumeratorApi<T>
 {
     /// <summary>
-    /// 0 with the item, 1 at the end. The enumerator need not be a typed one: that of an array comes
-    /// from the interface that all collections have.
+    /// 0 with the item, 1 at the end. The enumerator need not be a typed one: that of an array
+    /// comes from the interface that all collections have.
     /// </summary>
     public static int MoveNext(nint self, out T? item)
     {

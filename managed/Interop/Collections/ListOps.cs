@@ -3,7 +3,9 @@ using System.Collections;
 
 namespace Kelmor.WrpGen.Interop;
 
-/// <summary>Statuses of list operations; any other number is a failure with a Python error.</summary>
+/// <summary>
+/// Statuses of list operations; any other number is a failure with a Python error.
+/// </summary>
 internal static class ListStatus
 {
     public const int Done = 0;
@@ -47,7 +49,9 @@ internal static class ListOps<T>
         return ListStatus.Done;
     }
 
-    /// <summary>Takes the last item, or the one at an index, which may count from the end.</summary>
+    /// <summary>
+    /// Takes the last item, or the one at an index, which may count from the end.
+    /// </summary>
     public static int Pop(IList<T> list, bool hasIndex, int index, out T? item)
     {
         item = default;
@@ -89,7 +93,9 @@ internal static class ListOps<T>
         return count;
     }
 
-    /// <summary>The first equal item between two bounds, which may count from the end; or -1.</summary>
+    /// <summary>
+    /// The first equal item between two bounds, which may count from the end; or -1.
+    /// </summary>
     public static int IndexBy(IList<T> list, int? start, int? stop, T item) =>
         IndexOf(list, item, Clamp(start ?? 0, list.Count), Clamp(stop ?? list.Count, list.Count));
 
@@ -147,7 +153,9 @@ internal static class ListOps<T>
         }
     }
 
-    /// <summary>Writes another managed collection of that count; 0 when it is none that fits.</summary>
+    /// <summary>
+    /// Writes another managed collection of that count; 0 when it is none that fits.
+    /// </summary>
     public static int SetItems(IList<T> list, object? source, int start, int count, int step)
     {
         if (Snapshot(source) is not { } items || items.Length != count)
@@ -221,7 +229,8 @@ internal static class ListOps<T>
             ? Variants.AreEqual(left, right)
             : EqualityComparer<T>.Default.Equals(left, right);
 
-    // The items of a managed collection, taken before anything is written: it may be the list itself.
+    // The items of a managed collection, taken before anything is written: it may be the list
+    // itself.
     private static T[]? Snapshot(object? source) => source switch
     {
         string => null,

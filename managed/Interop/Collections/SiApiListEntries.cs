@@ -168,7 +168,9 @@ public abstract unsafe class SiApiListEntries
         return new UntypedList(Handles.Target<IList>(self));
     }
 
-    /// <summary>Gives an item to Python; a Python error that making it left stays pending.</summary>
+    /// <summary>
+    /// Gives an item to Python; a Python error that making it left stays pending.
+    /// </summary>
     private protected static int Give(object? item, nint* result)
     {
         *result = Results.Variant(item);

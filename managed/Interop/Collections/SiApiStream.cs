@@ -94,8 +94,8 @@ public static unsafe class SiApiStream
     }
 
     /// <summary>
-    /// Cuts or extends the stream and gives its length: with the flag set, which is a Python truncate
-    /// without a size, at the current position.
+    /// Cuts or extends the stream and gives its length: with the flag set, which is a Python
+    /// truncate without a size, at the current position.
     /// </summary>
     [UnmanagedCallersOnly]
     internal static long SetLength(nint self, int atPosition, long length)

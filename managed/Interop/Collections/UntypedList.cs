@@ -4,8 +4,8 @@ using System.Collections;
 namespace Kelmor.WrpGen.Interop;
 
 /// <summary>
-/// Shows an <see cref="IList"/> as a list of objects. What goes in is fitted to the element type when
-/// the list has one, since a Python int comes as the narrowest integer that holds it.
+/// Shows an <see cref="IList"/> as a list of objects. What goes in is fitted to the element type
+/// when the list has one, since a Python int comes as the narrowest integer that holds it.
 /// </summary>
 internal sealed class UntypedList(IList inner) : IList<object?>
 {

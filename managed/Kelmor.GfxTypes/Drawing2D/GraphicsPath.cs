@@ -167,7 +167,8 @@ public sealed class GraphicsPath : IDisposable
     }
 
     /// <summary>A path like this one.</summary>
-    public GraphicsPath Clone() => new(PathPoints, PathTypes) { FillMode = FillMode, _open = _open };
+    public GraphicsPath Clone() =>
+        new(PathPoints, PathTypes) { FillMode = FillMode, _open = _open };
 
     /// <summary>Ends the use of the path, which holds nothing.</summary>
     public void Dispose()

@@ -112,8 +112,8 @@ public sealed class Matrix : IDisposable, IEquatable<Matrix>
     public override bool Equals(object? obj) => Equals(obj as Matrix);
 
     /// <inheritdoc/>
-    public override int GetHashCode() =>
-        HashCode.Combine(_elements[0], _elements[1], _elements[2], _elements[3], _elements[4], _elements[5]);
+    public override int GetHashCode() => HashCode.Combine(
+        _elements[0], _elements[1], _elements[2], _elements[3], _elements[4], _elements[5]);
 
     /// <summary>Ends the use of the matrix, which holds nothing.</summary>
     public void Dispose()

@@ -56,7 +56,8 @@ public sealed class ImageAttributes : IDisposable
         result = ColorMatrix?.Apply(result) ?? result;
         return Gamma == 1f
             ? result
-            : Color.FromArgb(result.A, Corrected(result.R), Corrected(result.G), Corrected(result.B));
+            : Color.FromArgb(
+                result.A, Corrected(result.R), Corrected(result.G), Corrected(result.B));
     }
 
     /// <summary>Attributes like these.</summary>
