@@ -28,9 +28,7 @@ bool in_forked_child = false;
 
 void write_error(const char *message) { std::fprintf(stderr, "kelmor: .NET: %s\n", message); }
 
-bool is_simple_name(const char *assembly) {
-    return !std::strpbrk(assembly, ",=\\/\"'");
-}
+bool is_simple_name(const char *assembly) { return !std::strpbrk(assembly, ",=\\/\"'"); }
 
 } // namespace
 
