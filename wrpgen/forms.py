@@ -33,8 +33,13 @@ class Form:
     py_in: str
     py_out: str
     cleanup: bool = False  # the record has a destructor
+
+    @property
+    def built(self) -> bool:
+        """The managed side makes the Python object itself."""
+        return self.c_result == "PyObject *"
+
     by_reference: bool = False  # usable behind ref and out
-    as_value: str = ""  # C# type of the bare number, for nullables and by-ref
 
 
 def _scalar(c_type: str, unit: str, to_py: str, cs_type: str, py: str) -> Form:
@@ -54,7 +59,6 @@ def _scalar(c_type: str, unit: str, to_py: str, cs_type: str, py: str) -> Form:
         py_in=py,
         py_out=py,
         by_reference=True,
-        as_value=cs_type,
     )
 
 
@@ -100,6 +104,7 @@ def _built(local: str, unit: str, c_param: str, cs_param: str, name: str, py: st
         cs_write=f"Results.{name}({{v}})",
         py_in=py,
         py_out=py,
+        by_reference=True,
     )
 
 
@@ -447,7 +452,6 @@ class Forms:
                 py_in=python,
                 py_out=python,
                 by_reference=True,
-                as_value="nint",
             )
         interface = type_.kind == "interface"
         return Form(
@@ -485,7 +489,6 @@ class Forms:
             py_in=python,
             py_out=python,
             by_reference=True,
-            as_value=cs_number(type_),
         )
 
     def _sibling(self, name: str) -> Form:
@@ -574,18 +577,19 @@ class Forms:
 
     def _nullable(self, name: str) -> Form | None:
         inner = self.find(name)
-        if inner is None or not inner.as_value:
+        if inner is None or not inner.converter or not inner.c_result:
             return None
         managed = cs_type(name)
-        read = inner.cs_read.replace("{v}", f"*({inner.as_value}*){{v}}->Target").replace(
-            "{t}", managed
-        )
-        write = inner.cs_write.replace("{v}", "{v}.GetValueOrDefault()")
+        held = f"({inner.cs_param}){{v}}->Target"
+        if not inner.cs_param.endswith("*"):
+            held = f"(*({inner.cs_param}*){{v}}->Target)"
+        read = inner.cs_read.replace("{v}", held).replace("{t}", managed)
+        target = inner.target.replace("{v}", "{v}_value")
         return Form(
             local=(
                 inner.local.replace("{v}", "{v}_value")
                 + f"\nPyNullableArg {{v}} = {{0, reinterpret_cast<PyConverter>({inner.converter}), "
-                + "&{v}_value};"
+                + f"{target}}};"
             ),
             converter="fn_conv_py_nullable_to_clr_nullable",
             target="&{v}",
@@ -596,8 +600,9 @@ class Forms:
             c_result=f"nullable {inner.c_result}",
             by_slot=True,
             c_to_py=inner.c_to_py,
-            cs_result=f"{inner.as_value}*",
-            cs_write=write,
+            cs_result=inner.cs_result if inner.by_slot else f"{inner.cs_result}*",
+            # Written only for a value: a struct's handle would otherwise have no owner.
+            cs_write=inner.cs_write if inner.by_slot else f"*{{r}} = {inner.cs_write}",
             py_in=f"{inner.py_in} | None",
             py_out=f"{inner.py_out} | None",
         )

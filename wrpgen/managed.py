@@ -51,9 +51,10 @@ def _read(form: Form, type_: str, value: str) -> str:
 
 
 def _parameter(argument: Argument) -> str:
-    form = argument.form
-    type_ = f"{form.as_value}*" if argument.by_reference else form.cs_param
-    return f"{type_} {_variable(argument)}"
+    form, name = argument.form, _variable(argument)
+    if argument.by_reference and form.built:
+        return f"{form.cs_param} {name}, nint* {name}_out"
+    return f"{form.cs_param}{'*' if argument.by_reference else ''} {name}"
 
 
 def _variable(argument: Argument) -> str:
@@ -70,11 +71,13 @@ def _passed(call: Call) -> tuple[list[str], list[str], list[str]]:
             continue
         held = name + "_value"
         if argument.parameter.direction == "ref":
-            before.append(f"var {held} = {_read(form, argument.parameter.type, '*' + name)};")
+            given = name if form.built else f"(*{name})"
+            before.append(f"var {held} = {_read(form, argument.parameter.type, given)};")
             passed.append(f"ref {held}")
         else:
             passed.append(f"out var {held}")
-        after.append(f"*{name} = {form.cs_write.replace('{v}', held)};")
+        out = f"{name}_out" if form.built else name
+        after.append(f"*{out} = {form.cs_write.replace('{v}', held)};")
     return before, passed, after
 
 
@@ -97,12 +100,13 @@ def _result(
     if form is None:
         return _entry(name, "void", parameters, [*before, f"{expression};", *after])
     if form.c_result.startswith("nullable "):
-        write = form.cs_write.replace("{v}", "value")
+        write = form.cs_write.replace("{v}", "value.GetValueOrDefault()").replace("{r}", "result")
         body = [
             f"var value = {expression};",
-            f"*result = {write};",
             *after,
-            "return value.HasValue ? 1 : 0;",
+            "if (!value.HasValue) { return 0; }",
+            f"{write};",
+            "return 1;",
         ]
         return _entry(name, "int", [*parameters, f"{form.cs_result} result"], [*before, *body])
     if form.by_slot:

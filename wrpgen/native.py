@@ -98,7 +98,10 @@ class CallText:
         """From the delegate call to the return, for a method, getter or static getter."""
         passed = [] if self.call.static else [self_handle]
         for argument in self.call.arguments:
-            if argument.by_reference:
+            if argument.by_reference and argument.form.built:
+                passed.append(_fill(argument.form.passed, argument.variable + "_value"))
+                passed.append(f"&{argument.variable}_object")
+            elif argument.by_reference:
                 passed.append(f"&{argument.variable}_value")
             else:
                 passed.append(_fill(argument.form.passed, argument.variable))
@@ -110,9 +113,10 @@ class CallText:
         lines = []
         for argument in self.call.arguments:
             if argument.by_reference:
-                value = _fill(argument.form.c_to_py, argument.variable + "_value")
+                if not argument.form.built:
+                    value = _fill(argument.form.c_to_py, argument.variable + "_value")
+                    lines.append(f"PyObject *const {argument.variable}_object = {value};")
                 lines += [
-                    f"PyObject *const {argument.variable}_object = {value};",
                     f"if ({argument.variable}_object == nullptr) return nullptr;",
                     f"if (fn_push_parbyref_outvalue({argument.variable}.list, "
                     f"{argument.variable}_object) < 0) return nullptr;",
@@ -130,11 +134,14 @@ class CallText:
 
 def _by_reference_locals(argument: Argument) -> list[str]:
     form, name = argument.form, argument.variable
-    return [
+    target = _fill(form.target, name + "_value")
+    lines = [
         _fill(form.local, name + "_value"),
         f"PyParamByRef {name} = {{nullptr, reinterpret_cast<PyConverter>({form.converter}), "
-        f"&{name}_value}};",
+        f"{target}}};",
     ]
+    # What goes in and what comes out are two forms where the managed side makes the object.
+    return [*lines, f"PyObject *{name}_object = nullptr;"] if form.built else lines
 
 
 def result_lines(
@@ -152,20 +159,15 @@ def result_lines(
         )
         return [f"{const} = {call};", test, *pushes, f"return {_fill(form.c_to_py, 'result')};"]
     if form.c_result.startswith("nullable "):
-        inner = form.c_result.removeprefix("nullable ")
-        blank = "nullptr" if inner.endswith("*") else "0"
+        declaration, address = _record(form.c_result.removeprefix("nullable "))
         return [
-            f"{inner}{'' if inner.endswith('*') else ' '}result = {blank};",
-            f"const int has_value = {instance}.{entry}({', '.join([*passed, '&result'])});",
+            declaration,
+            f"const int has_value = {instance}.{entry}({', '.join([*passed, address])});",
             test,
             *pushes,
             f"return has_value != 0 ? {_fill(form.c_to_py, 'result')} : fn_py_return_none();",
         ]
-    if form.c_result.endswith("]"):
-        element, count = form.c_result[:-1].split("[")
-        declaration, address = f"{element} result[{count}] = {{}};", "result"
-    else:
-        declaration, address = f"{form.c_result} result{{}};", "&result"
+    declaration, address = _record(form.c_result)
     return [
         declaration,
         f"{instance}.{entry}({', '.join([*passed, address])});",
@@ -173,6 +175,14 @@ def result_lines(
         *pushes,
         f"return {_fill(form.c_to_py, 'result')};",
     ]
+
+
+def _record(type_: str) -> tuple[str, str]:
+    """Declaration of a result record, and what the delegate is given of it."""
+    if type_.endswith("]"):
+        element, count = type_[:-1].split("[")
+        return f"{element} result[{count}] = {{}};", "result"
+    return f"{_spaced(type_)}result{{}};", "&result"
 
 
 class Entry:
@@ -208,7 +218,10 @@ def _spaced(type_: str) -> str:
 def _parameters(call: Call) -> list[tuple[str, str]]:
     parameters = [] if call.static else [("void *", "self")]
     for argument in call.arguments:
-        if argument.by_reference:
+        if argument.by_reference and argument.form.built:
+            parameters.append((argument.form.c_param, argument.variable))
+            parameters.append(("PyObject **", argument.variable + "_object"))
+        elif argument.by_reference:
             plain = argument.form.c_param
             pointer = f"{plain}*" if plain.endswith("*") else f"{plain} *"
             parameters.append((pointer, argument.variable))
@@ -223,8 +236,9 @@ def _with_result(name: str, parameters: list[tuple[str, str]], form: Form | None
     if not form.by_slot:
         return Entry(name, parameters, form.c_result)
     if form.c_result.startswith("nullable "):
-        inner = form.c_result.removeprefix("nullable ")
-        return Entry(name, [*parameters, (f"{inner} *", "out")], "int")
+        inner = form.c_result.removeprefix("nullable ").split("[")[0]
+        pointer = f"{inner}*" if inner.endswith("*") else f"{inner} *"
+        return Entry(name, [*parameters, (pointer, "out")], "int")
     element = form.c_result.split("[")[0]
     return Entry(name, [*parameters, (f"{element} *", "out")])
 
