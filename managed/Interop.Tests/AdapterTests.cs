@@ -14,6 +14,7 @@ public unsafe class AdapterTests : TestBase
         kind == 2 ? FakePython.NewList(items) : FakePython.NewTuple(items);
 
     [Fact]
+    [Trait("behaviour", "collections-reverse.rules.list-live-view")]
     public void A_python_list_is_a_live_view()
     {
         nint python = FakePython.NewList(1, 2);
@@ -30,6 +31,8 @@ public unsafe class AdapterTests : TestBase
         Assert.Equal("one", list[0]);
         Assert.Equal((true, false), (list.Contains(1.5), list.Contains(7)));
         Assert.Equal((1, -1), (list.IndexOf(1.5), list.IndexOf(7)));
+        ((List<nint>)FakePython.Value(python)).Reverse();
+        Assert.Equal(1.5, list[0]);
         list.Clear();
         Assert.Empty(list);
         GC.KeepAlive(list);

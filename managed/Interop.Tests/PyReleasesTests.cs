@@ -25,6 +25,7 @@ public unsafe class PyReleasesTests : TestBase
     }
 
     [Fact]
+    [Trait("behaviour", "marshal-records.variant.kept-object-pinned")]
     public void A_forgotten_adapter_gives_its_reference_back_at_the_next_boundary_call()
     {
         nint list = FakePython.NewList();

@@ -20,6 +20,7 @@ public unsafe class PyStringsTests
     }
 
     [Fact]
+    [Trait("behaviour", "marshal-records.string-arg.managed-tests-length-first")]
     public void None_is_null_whatever_else_the_record_holds()
     {
         var argument = new PyStringArg { Length = -1, CharSize = 7, Data = (void*)1 };

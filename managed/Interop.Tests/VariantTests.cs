@@ -37,7 +37,42 @@ public unsafe class VariantTests : TestBase
     }
 
     [Fact]
-    public void None_is_null() => Assert.Null(Read(Retained(FakePython.None)));
+    [Trait("behaviour", "marshal-records.variant.general-none")]
+    public void None_is_null_and_nothing_is_read_through_its_pointer() =>
+        Assert.Null(Read(new VariantArg { Kind = 0, Value = 1 }));
+
+    public static TheoryData<object, int, object> Kinds => new()
+    {
+        { "text", 3, "text" }, { true, 5, true }, { 7, 6, 7 }, { 1.5, 7, 1.5 }, { 2.5m, 8, 2.5m },
+        { "tuple", 9, 9.09m }, { new DateTime(2020, 1, 2), 10, new DateTime(2020, 1, 2) },
+        { "date", 11, new DateTime(2011, 11, 11) },
+        { "time", 12, new DateTime(1, 1, 1, 12, 12, 12, DateTimeKind.Utc) },
+        { TimeSpan.FromDays(1), 13, TimeSpan.FromDays(1) },
+        { new Guid(1, 2, 3, new byte[8]), 14, new Guid(1, 2, 3, new byte[8]) },
+    };
+
+    [Theory]
+    [MemberData(nameof(Kinds))]
+    [Trait("behaviour", "marshal-records.variant.managed-reads-by-kind")]
+    public void Every_kind_is_read_with_its_own_callback(object value, int kind, object expected)
+    {
+        nint pyObject = FakePython.New(value);
+        Assert.Equal(expected, Read(new VariantArg { Kind = kind, Value = pyObject }));
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    [Trait("behaviour", "marshal-records.variant.managed-reads-by-kind")]
+    public void Bytes_lists_and_tuples_are_read_by_kind_too()
+    {
+        nint list = FakePython.NewList(1);
+        nint tuple = FakePython.NewTuple(2);
+        nint bytes = FakePython.New(new byte[] { 3 });
+        Assert.Equal([3], (byte[])Read(new VariantArg { Kind = 4, Value = bytes })!);
+        Assert.Equal(new object[] { 1 }, ((IList)Read(FakePython.Variant(list))!).Cast<object>());
+        Assert.Equal(new object[] { 2 }, ((IList)Read(FakePython.Variant(tuple))!).Cast<object>());
+        Array.ForEach([list, tuple, bytes], FakePython.Release);
+    }
 
     [Fact]
     public void Only_the_low_byte_of_a_truth_value_counts()
@@ -47,13 +82,18 @@ public unsafe class VariantTests : TestBase
     }
 
     [Fact]
-    public void Bytes_are_copied_and_their_view_is_released()
+    [Trait("behaviour", "marshal-bytes.table.managed-own-view")]
+    [Trait("behaviour", "marshal-bytes.table.managed-asks-size")]
+    public void Bytes_are_copied_through_a_view_of_the_size_that_was_asked_and_released()
     {
         byte[] source = [1, 2, 3];
-        var read = (byte[])Read(FakePython.New(source))!;
+        nint pyObject = FakePython.New(source);
+        var read = (byte[])Read(FakePython.Variant(pyObject))!;
         Assert.Equal(source, read);
         Assert.NotSame(source, read);
         Assert.Equal(1, FakePython.BuffersReleased);
+        Assert.Equal(1, FakePython.Refs(pyObject));
+        FakePython.Release(pyObject);
     }
 
     [Fact]
@@ -119,7 +159,13 @@ public unsafe class VariantTests : TestBase
     }
 
     [Fact]
-    public void Null_becomes_none() => Assert.Null(FakePython.Take(Results.Variant(null)));
+    [Trait("behaviour", "marshal-scalars.from-clr.null-string")]
+    public void A_null_string_becomes_none_without_the_builder()
+    {
+        Assert.Null(FakePython.Take(Results.String(null)));
+        Assert.Null(FakePython.Take(Results.Variant(null)));
+        Assert.Equal(0, FakePython.StringsMade);
+    }
 
     [Fact]
     public void A_byte_array_becomes_one_block() =>
@@ -247,11 +293,5 @@ public unsafe class VariantTests : TestBase
     {
         Assert.Equal(expected, Variants.AreEqual(left, right));
         Assert.Equal(expected, Variants.AreEqual(right, left));
-    }
-
-    private static nint Retained(nint pyObject)
-    {
-        FakePython.Retain(pyObject);
-        return pyObject;
     }
 }

@@ -18,6 +18,7 @@ internal static unsafe partial class FakePython
         Error = null;
         Raised = null;
         BuffersReleased = 0;
+        StringsMade = 0;
     }
 
     private static void Connect()
@@ -56,10 +57,10 @@ internal static unsafe partial class FakePython
         (delegate* unmanaged<nint, ulong*, int>)&ReadVersLong,
         (delegate* unmanaged<nint, double*, int>)&ReadDouble,
         (delegate* unmanaged<nint, uint*, int>)&ReadDecimal,
-        (delegate* unmanaged<nint, uint*, int>)&ReadDecimal,
+        (delegate* unmanaged<nint, uint*, int>)&ReadDecimalTuple,
         (delegate* unmanaged<nint, long*, int>)&ReadDateTime,
-        (delegate* unmanaged<nint, long*, int>)&ReadDateTime,
-        (delegate* unmanaged<nint, long*, int>)&ReadDateTime,
+        (delegate* unmanaged<nint, long*, int>)&ReadDate,
+        (delegate* unmanaged<nint, long*, int>)&ReadTime,
         (delegate* unmanaged<nint, long*, int>)&ReadTimeDelta,
         (delegate* unmanaged<nint, byte*, int>)&ReadGuid);
 

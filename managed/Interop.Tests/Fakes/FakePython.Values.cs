@@ -5,7 +5,9 @@ namespace Kelmor.WrpGen.Interop.Tests.Fakes;
 
 internal static unsafe partial class FakePython
 {
-    private const int BufferSize = 80;
+    // Larger than that of any interpreter, and filled to its end: memory of a size that managed code
+    // believes to know would be overrun.
+    private const int BufferSize = 4096;
 
     [UnmanagedCallersOnly]
     private static void XDecRef(nint pyObject) => Release(pyObject);
@@ -37,6 +39,7 @@ internal static unsafe partial class FakePython
     private static nint CreateString(char* characters, int length)
     {
         string text = new(characters, 0, length);
+        StringsMade++;
         if (text.EnumerateRunes().Any(rune => rune.Value == 0xFFFD) && !text.Contains('\uFFFD'))
         {
             return Fail("LookupError", "unknown error handler name ''", 0);
@@ -109,6 +112,28 @@ internal static unsafe partial class FakePython
             return 2;
         }
         result[0] = ((DateTime)Value(pyObject)).Ticks;
+        return 1;
+    }
+
+    // Each of these reads a value of its own, which tells the slots apart.
+    [UnmanagedCallersOnly]
+    private static int ReadDecimalTuple(nint pyObject, uint* result)
+    {
+        decimal.GetBits(9.09m).CopyTo(new Span<int>(result, 4));
+        return 1;
+    }
+
+    [UnmanagedCallersOnly]
+    private static int ReadDate(nint pyObject, long* result)
+    {
+        *result = new DateTime(2011, 11, 11).Ticks;
+        return 1;
+    }
+
+    [UnmanagedCallersOnly]
+    private static int ReadTime(nint pyObject, long* result)
+    {
+        *result = new TimeSpan(12, 12, 12).Ticks | (1L << 62);
         return 1;
     }
 
@@ -235,6 +260,9 @@ internal static unsafe partial class FakePython
             Release(words[0]);
         }
     }
+
+    /// <summary>How often the builder of strings was called.</summary>
+    public static int StringsMade { get; set; }
 
     /// <summary>How many views were released.</summary>
     public static int BuffersReleased { get; set; }
