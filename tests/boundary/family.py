@@ -182,6 +182,47 @@ def chain(error):
     return shown
 
 
+class Registry:
+    """Asks the extension which type it has for a managed name, as the managed side does.
+
+    It is made before the import, so that it sees the callbacks that are handed over.
+    """
+
+    def __init__(self, script):
+        self.script, self.name, self.token = script, None, 0
+        for method in ("SetU16StrBuilderCallback", "SetPyStaticCallbacks"):
+            script.method(peer.EXCHANGE, method, peer.ASSEMBLY).takes(1)
+        script.method(peer.EXCHANGE, "GetTypeName", peer.ASSEMBLY).calls(self.answer)
+
+    def callback(self, method):
+        entries = [e for e in self.script.journal if e.get("method") == method]
+        return [e for e in entries if e["call"] == "delegate"][-1]["arguments"][0]
+
+    def answer(self, frame):
+        create = ctypes.PYFUNCTYPE(ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int32)(
+            self.callback("SetU16StrBuilderCallback")
+        )
+        units = self.name.encode("utf-16-le")
+        frame.result = create(units, len(units) // 2)
+
+    def find(self, name):
+        """The type of that full managed name, or None."""
+        self.name = name
+        self.token += 1
+        tables = ctypes.cast(
+            self.callback("SetPyStaticCallbacks"),
+            ctypes.POINTER(ctypes.POINTER(ctypes.c_void_p)),
+        )
+        write_object = ctypes.PYFUNCTYPE(ctypes.py_object, ctypes.c_void_p, ctypes.c_int64)(
+            tables[1][0]
+        )
+        try:
+            return type(write_object(0x1000 + self.token, self.token))
+        except TypeError as error:
+            assert str(error) == "unknown wrapper type"
+            return None
+
+
 class Interposer:
     """Stands between a module and the interpreter."""
 

@@ -113,7 +113,11 @@ extern "C" __attribute__((visibility("hidden"))) void *kelmor_peer_choose(Detour
                                                                           Registers *registers) {
     const char *text = text_of(detour->function, *registers);
     if (state().watch_all || state().watched.count(detour->function))
-        JournalLine("python").text("function", detour->function.c_str()).text("text", text).write();
+        JournalLine("python")
+            .text("function", detour->function.c_str())
+            .text("text", text)
+            .number("second", static_cast<std::int64_t>(registers->integers[1]))
+            .write();
     return fails(detour->function, text, *registers) ? nullptr : detour->target;
 }
 
