@@ -1,7 +1,7 @@
 // Rotation clockwise in degrees, then a flip.
 namespace Kelmor.PSD;
 
-/// <summary>Rotation clockwise in degrees, then a flip.</summary>
+/// <summary>Rotation clockwise in degrees, then a flip; each of the eight results has two names.</summary>
 public enum RotateFlipType
 {
     RotateNoneFlipNone = 0,
@@ -12,12 +12,12 @@ public enum RotateFlipType
     Rotate90FlipX = 5,
     Rotate180FlipX = 6,
     Rotate270FlipX = 7,
-    RotateNoneFlipY = 8,
-    Rotate90FlipY = 9,
-    Rotate180FlipY = 10,
-    Rotate270FlipY = 11,
-    RotateNoneFlipXY = 12,
-    Rotate90FlipXY = 13,
-    Rotate180FlipXY = 14,
-    Rotate270FlipXY = 15,
+    RotateNoneFlipY = 6,
+    Rotate90FlipY = 7,
+    Rotate180FlipY = 4,
+    Rotate270FlipY = 5,
+    RotateNoneFlipXY = 2,
+    Rotate90FlipXY = 3,
+    Rotate180FlipXY = 0,
+    Rotate270FlipXY = 1,
 }

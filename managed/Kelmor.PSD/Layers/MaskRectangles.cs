@@ -1,6 +1,5 @@
 // Finds the rectangles of a layer's masks (Adobe Photoshop File Formats Specification, Layer mask data).
 using System.Buffers.Binary;
-using Kelmor.PSD.CoreExceptions.ImageFormats;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
@@ -14,7 +13,6 @@ internal static class MaskRectangles
     public const int WithRealMask = 36;
 
     /// <summary>Rectangle of the user mask or of the real user mask; empty when there is none.</summary>
-    /// <exception cref="PsdImageException">The rectangle is turned inside out or too large.</exception>
     public static Rectangle Of(ReadOnlyMemory<byte> mask, bool real)
     {
         var data = mask.Span;
@@ -31,10 +29,8 @@ internal static class MaskRectangles
         var left = BinaryPrimitives.ReadInt32BigEndian(data[4..]);
         var height = BinaryPrimitives.ReadInt32BigEndian(data[8..]) - (long)top;
         var width = BinaryPrimitives.ReadInt32BigEndian(data[12..]) - (long)left;
-        if (width is < 0 or > LayerRecord.LargestSide || height is < 0 or > LayerRecord.LargestSide)
-        {
-            throw new PsdImageException($"The layer mask is damaged: its rectangle has {width} x {height} pixels.");
-        }
-        return new Rectangle(left, top, (int)width, (int)height);
+        // Writers turn rectangles without area inside out; anything beyond the largest document holds no mask either.
+        var isMask = width is >= 0 and <= LayerRecord.LargestSide && height is >= 0 and <= LayerRecord.LargestSide;
+        return isMask ? new Rectangle(left, top, (int)width, (int)height) : new Rectangle(left, top, 0, 0);
     }
 }

@@ -38,7 +38,7 @@ public sealed class LuniResource : LayerResource
                 return "";
             }
             var count = Math.Min(BinaryPrimitives.ReadUInt32BigEndian(Data.Span), (uint)(Data.Length - 4) / 2);
-            return Encoding.BigEndianUnicode.GetString(Data.Span.Slice(4, (int)count * 2)).TrimEnd('\0');
+            return Encoding.BigEndianUnicode.GetString(Data.Span.Slice(4, (int)count * 2));
         }
         set
         {

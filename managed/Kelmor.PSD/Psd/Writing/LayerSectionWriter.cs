@@ -57,9 +57,10 @@ internal static class LayerSectionWriter
         {
             if (block == section.PlaceBlock && section.Place == LayerPlace.Block)
             {
-                // The length counts the padding, which is a part of the layer info here.
                 TaggedBlockWriter.WriteHead(part, block.SignatureCode, block.KeyCode, info.Length);
                 part.Append(info);
+                // Unlike that of layers, the length of the document's blocks leaves the padding out.
+                part.Zeros((int)(-info.Length & 3));
                 continue;
             }
             if (!dropTextEngine || block.KeyCode != TextEngine)
