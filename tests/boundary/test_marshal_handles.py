@@ -1,0 +1,286 @@
+"""Wrappers as values, and what the managed side is handed at the start."""
+# flake8: noqa: F403, F405
+
+from wrappers import *
+
+
+def as_variant(s, value):
+    """(kind, value) of a value for a parameter that takes any."""
+    return s.convert("fn_conv_py_variant_to_clr_variant", value)
+
+
+@scene("marshal-variant.kind.class-wrapper", "marshal-records.variant.general-kinds")
+def test_a_class_wrapper_gives_its_handle(s):
+    assert as_variant(s, s.wrap(s.Sample, 0x5000)) == (1, 0x5000)
+    assert as_variant(s, s.wrap(s.Derived, 0x5008)) == (1, 0x5008)
+
+
+@scene("marshal-variant.kind.struct-wrapper", "marshal-records.variant.general-kinds")
+def test_a_struct_wrapper_gives_its_handle(s):
+    assert as_variant(s, s.wrap(s.Value, 0x6000)) == (2, 0x6000)
+
+
+def sibling_type(marker):
+    """A wrapper of another module: the layout and the marker, but no slot of ours."""
+
+    class Layout(ctypes.Structure):
+        _fields_ = [("refs", ctypes.c_ssize_t), ("kind", POINTER), ("handle", POINTER)]
+
+    kind = type("Sibling", (), {"__slots__": ("handle",), "_kelmor_clr_host": marker})
+
+    def make(handle):
+        made = kind()
+        Layout.from_address(id(made)).handle = handle
+        return made, lambda: setattr(Layout.from_address(id(made)), "handle", None)
+
+    return make
+
+
+@scene("marshal-variant.kind.sibling-wrapper")
+def test_a_wrapper_of_a_sibling_gives_its_handle(s):
+    for marker, kind in [(None, 1), (Ellipsis, 2)]:
+        made, clear = sibling_type(marker)(0x7000)
+        assert as_variant(s, made) == (kind, 0x7000)
+        clear()  # the slot would take the handle for an object
+
+
+@scene("marshal-variant.kind.null-handle")
+def test_a_wrapper_without_a_handle_is_unknown(s):
+    record = s.native.VariantArg()
+    convert = s.function("fn_conv_py_variant_to_clr_variant", INT, OBJECT, POINTER)
+    for kind in (s.Sample, s.Value, s.IShape):
+        empty = kind.__new__(kind)
+        text = text_of(TypeError, convert, empty, ctypes.addressof(record))
+        assert text == "unknown variant type"
+
+
+@scene("marshal-records.scalars.object-handle")
+def test_an_object_travels_as_its_handle(s):
+    out = POINTER(0x5555)
+    convert = s.function("class_conversion", INT, OBJECT, POINTER)
+    assert convert(s.wrap(s.Sample, 0x5000), ctypes.addressof(out)) == 1
+    assert out.value == 0x5000
+    assert convert(None, ctypes.addressof(out)) == 1
+    assert out.value is None
+
+
+def result_of(s, name, handle, kind=None, token=0):
+    """Reads an out record with a reader."""
+    if kind is None:
+        record = s.native.PyObjectOutArg(handle=handle, type_token=token)
+    else:
+        record = s.native.PyCollectionArg(kind=kind, handle=handle, type_token=token)
+    read = s.function(name, OBJECT, POINTER, OBJECT)
+    return read(ctypes.addressof(record), s.IShape if "ifcimpl" in name else s.Sample)
+
+
+@scene("marshal-records.object-out.null", "marshal-records.collection-out.null-any-kind")
+def test_a_null_result_is_none(s):
+    for token in (0, 7, -1):
+        assert result_of(s, "fn_conv_clr_ifcimpl_to_py_ifcimpl", None, token=token) is None
+        for kind in (0, 1, 2):
+            for name in ("btpobj_to_py_btpobj", "absobj_to_py_absobj", "ifcimpl_to_py_ifcimpl_wps"):
+                assert result_of(s, "fn_conv_clr_" + name, None, kind, token) is None
+    assert s.calls() == []
+
+
+@scene("marshal-records.collection-out.btpobj")
+def test_the_plain_reader_looks_kind_1_up(s):
+    name = "fn_conv_clr_btpobj_to_py_btpobj"
+    s.type_name("Sample.Derived")
+    for kind in (0, 2):
+        assert type(result_of(s, name, 0x5000, kind, 50)) is s.Sample
+    assert s.calls("GetTypeName") == []
+    assert type(result_of(s, name, 0x5000, 1, 50)) is s.Derived
+    s.type_name("Unknown.Type")
+    assert type(result_of(s, name, 0x5000, 1, 51)) is s.Sample
+
+
+@scene("marshal-records.collection-out.absobj")
+def test_the_abstract_reader_looks_up_or_gives_the_object(s):
+    name = "fn_conv_clr_absobj_to_py_absobj"
+    s.type_name("Sample.Derived")
+    for kind in (0, 1):
+        assert type(result_of(s, name, 0x5000, kind, 60)) is s.Derived
+    s.type_name("Unknown.Type")
+    assert type(result_of(s, name, 0x5000, 0, 61)) is s.Sample
+    value = object()
+    before = sys.getrefcount(value)
+    shown = result_of(s, name, id(value), 2, 60)
+    assert shown is value and sys.getrefcount(value) == before + 1
+
+
+@scene(
+    "marshal-records.collection-out.ifcimpl-kind-0",
+    "marshal-records.collection-out.ifcimpl-kind-1",
+    "marshal-records.collection-out.ifcimpl-kind-2",
+)
+def test_the_interface_reader_takes_implementers(s):
+    name = "fn_conv_clr_ifcimpl_to_py_ifcimpl_wps"
+    box = s.method("Exchange", "BoxStcTarget").returns(0x9999)
+    s.type_name("Sample.Sample")  # shows IShape
+    for kind in (0, 1):
+        shown = result_of(s, name, 0x5000, kind, 70)
+        assert type(shown) is s.Sample and handle_of(shown) == 0x5000
+    assert box.received == []
+    for token, other in [(71, "Sample.Derived"), (72, "Unknown.Type")]:  # do not
+        s.type_name(other)
+        shown = result_of(s, name, 0x5000, 0, token)
+        assert type(shown) is s.IShape and handle_of(shown) == 0x5000
+        assert len(box.received) == token - 71
+        shown = result_of(s, name, 0x5000, 1, token)
+        assert type(shown) is s.IShape and handle_of(shown) == 0x9999
+        assert s.calls("BoxStcTarget") == [[0x5000]] * (token - 70)
+    value = object()
+    before = sys.getrefcount(value)
+    shown = result_of(s, name, id(value), 2, 70)
+    assert shown is value and sys.getrefcount(value) == before + 1
+
+
+@scene("marshal-records.lifetime.handle-owned-by-wrapper")
+def test_a_handle_is_given_back_when_its_wrapper_dies(s):
+    wrapper = s.wrap(s.Sample, 0x5000)
+    struct_wrapper = s.wrap(s.Value, 0x6000)
+    as_variant(s, wrapper)
+    gc.collect()
+    assert s.calls("FreeInstance") == []
+    del wrapper
+    assert s.calls("FreeInstance") == [[0x5000]]
+    del struct_wrapper
+    assert s.calls("FreeInstance") == [[0x5000], [0x6000]]
+
+
+@scene(
+    "marshal-records.lifetime.handle-released-when-unwrappable", refuse=[("Sample", "btp_TypeOf")]
+)
+def test_a_handle_that_cannot_be_wrapped_is_given_back_at_once(s):
+    error = raised(TypeError, s.wrap, s.Sample, 0x5000)
+    assert "btp_TypeOf" in str(error)
+    assert s.calls("FreeInstance") == [[0x5000]]
+
+
+@scene("marshal-records.service.type-name-cell-freed")
+def test_the_cell_of_a_type_name_is_freed_once(s):
+    class Usage(ctypes.Structure):
+        _fields_ = [(f"field_{i}", ctypes.c_size_t) for i in range(10)]
+
+    libc = ctypes.CDLL(None)
+    libc.malloc.restype, libc.malloc.argtypes = POINTER, [ctypes.c_size_t]
+    libc.mallinfo2.restype = Usage
+    # So large a block has a mapping of its own, and the C library counts those.
+    mappings = lambda: libc.mallinfo2().field_3
+    create = s.function("fn_create_u16_buffer", POINTER, POINTER, INT)
+    text = ctypes.create_string_buffer("Sample.Derived".encode("utf-16-le") + b"\0\0")
+    seen = []
+
+    def answer(frame):
+        small = POINTER.from_address(create(ctypes.addressof(text), 14))
+        large = libc.malloc(1 << 28)
+        POINTER.from_address(large).value = small.value
+        frame.result = large
+        seen.append(mappings())
+
+    s.method("Exchange", "GetTypeName").calls(answer)
+    before = mappings()
+    for token in range(100, 103):
+        shown = result_of(s, "fn_conv_clr_absobj_to_py_absobj", 0x5000, 0, token)
+        assert type(shown) is s.Derived
+        assert mappings() == before
+    # A second free would end the process.
+    assert seen == [before + 1] * 3
+
+
+@scene("marshal-records.service.free-pending-never-called", "marshal-records.service.delegates")
+def test_the_services_of_the_records(s):
+    requests = [method for _, method in s.requests_of_start]
+    names = ["FreePendingArgs", "FreeInstance", "FreeInstance", "BoxStcTarget", "GetTypeName"]
+    for name in set(names):
+        assert requests.count(name) >= names.count(name)
+    pending = s.method("Exchange", "FreePendingArgs")
+    s.type_name("Sample.Derived")
+    s.method("Exchange", "BoxStcTarget").returns(0x9999)
+    result_of(s, "fn_conv_clr_absobj_to_py_absobj", 0x5000, 0, 80)
+    result_of(s, "fn_conv_clr_ifcimpl_to_py_ifcimpl_wps", 0x5008, 1, 81)
+    wrapper = s.wrap(s.Sample, 0x5010)
+    as_variant(s, wrapper)
+    raised(TypeError, s.Sample, 5)
+    s.method("Sample", "ctor_000_Sample").raises(ValueError, "no")
+    raised(ValueError, s.Sample)
+    del wrapper
+    # The arguments of each service, as it was called.
+    assert s.calls("GetTypeName") == [[0x5000], [0x5008]]
+    assert s.calls("BoxStcTarget") == [[0x5008]]
+    assert sorted(handle for (handle,) in s.calls("FreeInstance")) == [0x5000, 0x5010, 0x9999]
+    assert pending.received == []
+
+
+# The start.
+
+
+def hand_over():
+    """What each setter was given, in order, and where that stands in the module."""
+    import types
+
+    import native
+
+    script = Script()  # noqa: F405
+    root = types.ModuleType("kelmor.psd")
+    start = native.function("start_wrapped_module", ctypes.c_int, ctypes.py_object)
+    assert start(root) == 0
+    given = [
+        (entry["method"], entry["arguments"][0])
+        for entry in script.journal
+        if entry["call"] == "delegate" and entry["method"].startswith("Set")
+    ]
+    names = [
+        "on_clr_exception",
+        "fn_catch_and_clear_py_error",
+        "fn_create_u16_buffer",
+        "fn_conv_clr_string_to_py_string",
+        "fn_conv_clr_string_to_py_unraisable",
+        "m_py_obj_api_callbacks",
+        "fn_conv_clr_bytes_to_py_bytes",
+    ]
+    addresses = {name: native.address(name) for name in names}
+    for name in ("get_all_py_wrapper_callbacks", "get_all_pygn_generic_callbacks"):
+        addresses[name] = native.function(name, ctypes.c_void_p)()
+    # The bytes builder and the two others are still what they were, and can be called.
+    build = ctypes.PYFUNCTYPE(ctypes.py_object, ctypes.c_char_p, ctypes.c_int32)
+    handed = dict(given)
+    made = build(handed["SetPyBytesBuilderCallback"])(b"abc", 3)
+    assert type(made) is bytearray and made == b"abc"
+    text = build(handed["SetPyUnraisableStrBuilderCallback"])(b"a\0b\0", 2)
+    assert text == "ab"
+    catch = ctypes.PYFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
+    assert catch(handed["SetCatchAndClearErrorCallback"])(None, None) == -1
+    throw = ctypes.PYFUNCTYPE(None, ctypes.c_void_p, ctypes.c_void_p)
+    try:
+        throw(handed["SetExceptionCallback"])(None, None)
+    except RuntimeError as error:
+        assert str(error) == "Proxy error(<unknown>): <unknown>"
+    else:
+        raise AssertionError("nothing was raised")
+    return given, addresses
+
+
+HANDED = [
+    ("SetExceptionCallback", "on_clr_exception"),
+    ("SetCatchAndClearErrorCallback", "fn_catch_and_clear_py_error"),
+    ("SetU16StrBuilderCallback", "fn_create_u16_buffer"),
+    ("SetPyStrBuilderCallback", "fn_conv_clr_string_to_py_string"),
+    ("SetPyUnraisableStrBuilderCallback", "fn_conv_clr_string_to_py_unraisable"),
+    ("SetPyObjApiCallbacks", "m_py_obj_api_callbacks"),
+    ("SetPyStaticCallbacks", "get_all_py_wrapper_callbacks"),
+    ("SetPyGenericCallbacks", "get_all_pygn_generic_callbacks"),
+    ("SetPyBytesBuilderCallback", "fn_conv_clr_bytes_to_py_bytes"),
+]
+
+
+@behaviour(
+    "marshal-variant.tables.hand-over",
+    "marshal-exceptions.wiring",
+    "marshal-bytes.from-clr.callback-wired",
+)
+def test_the_managed_side_is_handed_functions_and_tables(in_process):
+    given, addresses = in_process(hand_over).value
+    assert [tuple(pair) for pair in given] == [(setter, addresses[name]) for setter, name in HANDED]
