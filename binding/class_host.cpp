@@ -21,7 +21,7 @@ struct SlotRange {
 
 void raise_forked() {
     PyErr_SetString(PyExc_RuntimeError,
-                    "the .NET runtime cannot be used in a forked child process");
+                    "managed code cannot be called in a forked child process");
 }
 
 // Stands in for every delegate of whatever signature: the caller cleans the arguments up.

@@ -11,6 +11,9 @@
 #include "shell/import_errors.h"
 #include "shell/ref.h"
 
+#include <string>
+#include <string_view>
+
 namespace {
 
 PyObject *member_number(const EnumDescription &description, const EnumMember &member) {
@@ -57,6 +60,20 @@ bool install_protocol(const EnumDescription &description, PyTypeObject *type) {
     return true;
 }
 
+// "Outer.Inner" in the module of Outer, by which pickling finds it.
+void set_nested_home(PyObject *enumeration, const PyTypeObject *enclosing, const char *name) {
+    const std::string_view path = enclosing->tp_name;
+    const std::size_t dot = path.rfind('.');
+    if (dot == std::string_view::npos) return;
+    const std::string inner = std::string(path.substr(dot + 1)) + '.' + name;
+    const Ref home =
+        Ref::steal(PyUnicode_FromStringAndSize(path.data(), static_cast<Py_ssize_t>(dot)));
+    const Ref nested = Ref::steal(PyUnicode_FromString(inner.c_str()));
+    if (!home || !nested || PyObject_SetAttrString(enumeration, "__module__", home.get()) < 0 ||
+        PyObject_SetAttrString(enumeration, "__qualname__", nested.get()) < 0)
+        PyErr_Clear();
+}
+
 } // namespace
 
 PyObject *create_enum(const EnumDescription &description, PyTypeObject **type) {
@@ -72,14 +89,14 @@ PyObject *create_enum(const EnumDescription &description, PyTypeObject **type) {
 
 int install_nested_enum(PyTypeObject *enclosing, const char *name, PyObject *enumeration) {
     const Ref owned = Ref::steal(enumeration);
-    if (owned && set_type_entry(enclosing, name, owned.get()) == 0) return 0;
-    if (owned) {
-        PyShlErr_TypeInitializationInternalError(-1020, enclosing->tp_name, name);
-    } else {
-        const Ref full_name = Ref::steal(PyUnicode_FromFormat("%s.%s", enclosing->tp_name, name));
-        const char *const text = full_name ? PyUnicode_AsUTF8(full_name.get()) : nullptr;
-        PyShlErr_TypeInitializationInternalError(-1013, text != nullptr ? text : name);
+    if (!owned) {
+        const std::string full_name = std::string(enclosing->tp_name) + '.' + name;
+        PyShlErr_TypeInitializationInternalError(-1013, full_name.c_str());
+        return -1;
     }
+    set_nested_home(owned.get(), enclosing, name);
+    if (set_type_entry(enclosing, name, owned.get()) == 0) return 0;
+    PyShlErr_TypeInitializationInternalError(-1020, enclosing->tp_name, name);
     return -1;
 }
 

@@ -13,6 +13,13 @@ int fail_module(const char *module_name) {
     return -1;
 }
 
+// The enumeration took the frame that imports us for its home; pickling goes by the right one.
+void set_home(PyObject *enumeration, const char *module_name) {
+    const Ref home = Ref::steal(PyUnicode_FromString(module_name));
+    if (!PyType_Check(enumeration) || !home) return;
+    if (PyObject_SetAttrString(enumeration, "__module__", home.get()) < 0) PyErr_Clear();
+}
+
 int set_package(PyObject *module, const char *module_name, size_t length) {
     Ref package =
         Ref::steal(PyUnicode_FromStringAndSize(module_name, static_cast<Py_ssize_t>(length)));
@@ -55,6 +62,7 @@ int fn_add_enum(PyObject *module, const char *module_name, const char *full_name
         PyShlErr_TypeInitializationInternalError(-1013, full_name);
         return -1;
     }
+    set_home(created, module_name);
     if (add_object(module, name, Ref::steal(created)) == 0) return 0;
     PyShlErr_TypeInitializationInternalError(-1014, module_name, name);
     return -1;

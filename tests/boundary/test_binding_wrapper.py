@@ -382,7 +382,7 @@ def test_in_a_forked_child_nothing_is_called(s):
     if child == 0:
         code = 1
         try:
-            message = "the .NET runtime cannot be used in a forked child process"
+            message = "managed code cannot be called in a forked child process"
             for use in (w.self, t.tell, t.read, t.__exit__, lambda: hash(w), lambda: repr(v)):
                 assert text_of(RuntimeError, use) == message, use
             assert text_of(RuntimeError, lambda: w == v) == message
