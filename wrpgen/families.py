@@ -304,12 +304,17 @@ class Composer:
         by_name = self.extension.by_name
         return [by_name[name] for name in type_.interfaces if name in by_name]
 
+    def _lenders(self, type_: Type) -> list[Type]:
+        """Interfaces whose functions may stand in the tables of the class."""
+        own = type_.full_name in self.extension.overrides.own_members
+        return [] if own else self._implicit_interfaces(type_)
+
     def _shared_method(self, type_: Type, key: tuple[str, bool]) -> Type | None:
         """The interface whose function serves this name of the class as it stands."""
         own = self._full_set(type_, key)
         if key[1] or any(call in self._reached or call.owner is not type_ for call in own):
             return None
-        for interface in self._implicit_interfaces(type_):
+        for interface in self._lenders(type_):
             theirs = self._calls[interface.full_name].get(key)
             if theirs and [(c.member.signature, c.member.type) for c in theirs] == [
                 (c.member.signature, c.member.type) for c in own
@@ -318,7 +323,7 @@ class Composer:
         return None
 
     def _shared_property(self, type_: Type, member: Member) -> Type | None:
-        for interface in self._implicit_interfaces(type_):
+        for interface in self._lenders(type_):
             for theirs in interface.members:
                 same = (theirs.name, theirs.type, theirs.get, theirs.set)
                 if theirs.kind == "property" and same == (

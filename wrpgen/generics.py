@@ -7,7 +7,7 @@ from types import SimpleNamespace
 
 from .forms import BASIC, Form, Forms, cs_type
 from .model import Extension, GenericTag
-from .native import environment
+from .native import environment, wrapped
 
 _KINDS = {"A": "array", "I": "iter", "E": "iterable", "L": "list"}
 
@@ -78,12 +78,13 @@ def _policy(
 
 
 def write_native(extension: Extension, found: list[Instance]) -> str:
-    return environment().get_template("generic.cpp.j2").render(
+    text = environment().get_template("generic.cpp.j2").render(
         extension=extension,
         instances=[instance for instance in found if instance.form is not None],
         callbacks=[instance for instance in found if instance.row.callbacks],
         module=f"{extension.module}._wrpgen._generic",
     )
+    return wrapped(text)
 
 
 _SCALAR_RESULT = "*result = {write};"

@@ -155,6 +155,7 @@ class Overrides:
     python_names: dict[str, str]  # "Type.Member" -> Python name
     skip: frozenset[str]  # "Type.Member" that is not bound
     cast_from: frozenset[str]  # types with a real _cast_from
+    own_members: frozenset[str]  # types that serve members of their interfaces by own entries
 
 
 @dataclass(frozen=True)
@@ -216,7 +217,8 @@ def load(api: Path, key: str) -> Extension:
         overrides=Overrides(
             python_names={entry["member"]: entry["name"] for entry in overrides["names"]},
             skip=frozenset(entry["member"] for entry in overrides["skip"]),
-            cast_from=frozenset(overrides["cast_from"]),
+            cast_from=frozenset(entry["type"] for entry in overrides["cast_from"]),
+            own_members=frozenset(entry["type"] for entry in overrides["own_members"]),
         ),
     )
     _check(extension)

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import functools
 from pathlib import Path
 
 import jinja2
@@ -14,6 +15,7 @@ _TEMPLATES = Path(__file__).with_name("templates")
 LINE = 100
 
 
+@functools.cache
 def environment() -> jinja2.Environment:
     """Templates fail on a name that does not exist, and leave no blank where a statement stood."""
     made = jinja2.Environment(
@@ -31,27 +33,39 @@ def environment() -> jinja2.Environment:
 
 def wrapped(text: str) -> str:
     """Breaks lines at commas and before operands, so that none passes 100 columns."""
-    return "\n".join(part for line in text.split("\n") for part in _wrap(line))
+    return "\n".join(
+        part
+        for line in text.split("\n")
+        for part in ([line] if line.lstrip().startswith("//") else _wrap(line))
+    )
 
 
 def _wrap(line: str) -> list[str]:
+    """Cuts at the outermost comma that fits, and goes on under the bracket that stands open there."""
     if len(line) <= LINE:
         return [line]
     indent = len(line) - len(line.lstrip())
-    bracket = line.find("(")
-    column = bracket + 1 if 0 < bracket < 64 else indent + 4
-    cut = -1
-    for mark in (", ", " = ", "("):
-        cut = line.rfind(mark, column, LINE - 1)
-        if cut > 0:
-            cut += len(mark.rstrip()) if mark != "(" else 1
-            break
-    if cut <= 0:
-        return [line]
-    head, rest = line[:cut].rstrip(), line[cut:].lstrip()
-    if column + len(rest) > LINE and column > indent + 4 and " " not in rest[: LINE - column]:
+    open_brackets: list[int] = []
+    best: tuple[int, int] | None = None  # depth, place
+    column = 0
+    for place, letter in enumerate(line[:LINE]):
+        if letter in "({":
+            open_brackets.append(place + 1)
+        elif letter in ")}" and open_brackets:
+            open_brackets.pop()
+        after = line[place : place + 2] == ", " or line[place - 1 : place + 2] == " = "
+        if after and place > indent and (best is None or len(open_brackets) <= best[0]):
+            best = (len(open_brackets), place + 1)
+            column = open_brackets[-1] if open_brackets and letter == "," else indent + 4
+    if best is None:
+        bracket = line.find("(", indent, LINE)
+        if bracket < 0:
+            return [line]
+        best, column = (0, bracket + 1), indent + 4
+    rest = line[best[1] :].lstrip()
+    if column > 60 or column + len(rest.split(", ")[0]) > LINE:
         column = indent + 4
-    return [head] + _wrap(" " * column + rest)
+    return [line[: best[1]].rstrip(), *_wrap(" " * column + rest)]
 
 
 def _fill(pattern: str, value: str) -> str:
@@ -205,10 +219,11 @@ class Entry:
         declared = ", ".join(f"{_spaced(type_)}{name}" for type_, name in self.parameters)
         passed = ", ".join(name for _, name in self.parameters)
         back = "" if self.result == "void" else "return "
-        return (
-            f"{_spaced(self.result)}{self.name}({declared}) const "
-            f"{{ {back}m_{self.name}({passed}); }}"
-        )
+        head = f"    {_spaced(self.result)}{self.name}({declared}) const {{"
+        body = f"{back}m_{self.name}({passed});"
+        if len(head) + len(body) + 3 <= LINE:
+            return f"{head} {body} }}"
+        return f"{head}\n        {body}\n    }}"
 
 
 def _spaced(type_: str) -> str:

@@ -7,7 +7,7 @@ from types import SimpleNamespace
 from .families import RUNTIME_INTERFACES, Family
 from .generics import Instance
 from .model import Capsule, Extension
-from .native import environment
+from .native import environment, wrapped
 from .units import has_eypi, visible_functions
 
 # Pointers that the hand-made runtime itself uses; it defines them.
@@ -30,22 +30,24 @@ def write_header(
             if letter in "AL":
                 converter = f"wrpPygn_conv_py_to_clr_{kind.lower()}_{instance.tag}"
                 generics.append(f"int {converter}(PyObject *value, VariantArg *out);")
-    return environment().get_template("families.h.j2").render(
+    text = environment().get_template("families.h.j2").render(
         extension=extension,
         families=families,
         generics=generics,
         sibling_pointers=[f"extern {line};" for line in _pointers(extension)],
         visible={family.symbol: visible_functions(family) for family in families},
     )
+    return wrapped(text)
 
 
 def write_tree(extension: Extension, families: list[Family]) -> str:
-    return environment().get_template("tree.cpp.j2").render(
+    text = environment().get_template("tree.cpp.j2").render(
         extension=extension,
         modules=_modules(extension, families),
         root_methods=extension.key == "psd",
         own_descriptors=True,
     )
+    return wrapped(text)
 
 
 def _modules(extension: Extension, families: list[Family]) -> list[SimpleNamespace]:
@@ -160,7 +162,7 @@ def write_module(extension: Extension, families: list[Family]) -> str:
     name, tag = extension.modules[0]
     leaf = name.rsplit(".", 1)[-1]
     by_name = {family.type.full_name: family for family in families}
-    return environment().get_template("module.cpp.j2").render(
+    text = environment().get_template("module.cpp.j2").render(
         extension=extension,
         leaf=leaf,
         root=f"{tag}_{leaf}",
@@ -169,6 +171,7 @@ def write_module(extension: Extension, families: list[Family]) -> str:
         exports=[_export(capsule, by_name) for capsule in extension.exports],
         own_pointers=_own_pointers(extension, by_name),
     )
+    return wrapped(text)
 
 
 def _sources(extension: Extension) -> list[SimpleNamespace]:

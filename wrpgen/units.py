@@ -8,7 +8,7 @@ from . import names
 from .families import RUNTIME_INTERFACES, Family, Method, Property, StaticField
 from .forms import number_type
 from .model import EnumValue
-from .native import CallText, Entry, environment, groups, host_entries, result_lines
+from .native import CallText, Entry, environment, groups, host_entries, result_lines, wrapped
 
 _PROTOCOL = (
     ("_type_of", "METH_NOARGS | METH_STATIC"),
@@ -52,12 +52,13 @@ def write_family(family: Family, families: list[Family]) -> str:
 
 
 def _write_enum(family: Family) -> str:
-    return environment().get_template("enum.j2").render(
+    text = environment().get_template("enum.j2").render(
         family=family,
         entries=host_entries(family),
         protocol=_ENUM_PROTOCOL,
         values=[(_value_name(family, value), _number(value)) for value in family.type.values],
     )
+    return wrapped(text)
 
 
 def _value_name(family: Family, value: EnumValue) -> str:
@@ -76,7 +77,7 @@ def _write_class(family: Family, families: list[Family]) -> str:
     mixed = _mixed_methods(family)
     by_type = {other.type.full_name: other for other in families}
     nested = [by_type[enum.full_name] for enum in family.enums]
-    return environment().get_template("class.j2").render(
+    text = environment().get_template("class.j2").render(
         family=family,
         entries=host_entries(family),
         constructors=[CallText(host, call) for call in family.constructors],
@@ -96,6 +97,7 @@ def _write_class(family: Family, families: list[Family]) -> str:
         property_rows=_property_rows(family),
         iteration=_iteration(family),
     )
+    return wrapped(text)
 
 
 def has_eypi(family: Family) -> bool:
@@ -163,7 +165,7 @@ def _static(family: Family, item, number: int) -> SimpleNamespace:
 def _method_row(name: str, function: str, flags: str) -> str:
     if "METH_KEYWORDS" in flags:
         # The definition stores the keyword form under the plain type.
-        function = f"reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>({function}))"
+        function = f"KELMOR_WITH_KEYWORDS({function})"
     return f"{{{names.literal(name)}, {function}, {flags}, nullptr}}"
 
 
