@@ -125,7 +125,6 @@ class StaticField:
     py_name: str
     form: Form
     settable: bool
-    number: int
 
 
 @dataclass(frozen=True)
@@ -417,9 +416,7 @@ class Composer:
                 self._skip(type_, member)
                 continue
             entry = f"ctor_{len(calls):03}_{type_.simple_name}"
-            calls.append(
-                Call(type_, entry, member, True, arguments, None, True, number=len(calls))
-            )
+            calls.append(Call(type_, entry, member, True, arguments, None, True, number=len(calls)))
         return tuple(calls)
 
     def _statics(self, type_: Type) -> tuple[StaticField, ...]:
@@ -438,7 +435,6 @@ class Composer:
                     py_name=(fixed or names.upper_snake(member.name)).upper(),
                     form=form,
                     settable=member.set and bool(form.converter),
-                    number=0,
                 )
             )
         return tuple(fields)

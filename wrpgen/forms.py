@@ -156,9 +156,7 @@ BASIC: dict[str, Form] = {
     "System.UInt64": _scalar(
         "std::uint64_t", "ulong_to_clr_uint64", "PyLong_FromUnsignedLongLong", "ulong", "int"
     ),
-    "System.Single": _scalar(
-        "float", "float_to_clr_float", "PyFloat_FromDouble", "float", "float"
-    ),
+    "System.Single": _scalar("float", "float_to_clr_float", "PyFloat_FromDouble", "float", "float"),
     "System.Double": _scalar(
         "double", "float_to_clr_double", "PyFloat_FromDouble", "double", "float"
     ),
@@ -506,7 +504,11 @@ class Forms:
         number = capsule.form == "enum"
         to_py = f"{outward}({'&' if record else ''}{{v}})" if outward else ""
         return Form(
-            local="VariantArg {v};" if record else "int {v} = 0;" if number else "void *{v} = nullptr;",
+            local="VariantArg {v};"
+            if record
+            else "int {v} = 0;"
+            if number
+            else "void *{v} = nullptr;",
             converter=inward,
             target="&{v}",
             passed="&{v}" if record else "{v}",
@@ -515,7 +517,9 @@ class Forms:
             cs_read=(
                 "Args.Struct<{t}>({v})"
                 if record
-                else "(({t}){v})" if number else "Handles.Optional<{t}>({v})"
+                else "(({t}){v})"
+                if number
+                else "Handles.Optional<{t}>({v})"
             ),
             c_result=("int" if number else "void *") if outward else "",
             by_slot=False,

@@ -78,11 +78,15 @@ def _policy(
 
 
 def write_native(extension: Extension, found: list[Instance]) -> str:
-    text = environment().get_template("generic.cpp.j2").render(
-        extension=extension,
-        instances=[instance for instance in found if instance.form is not None],
-        callbacks=[instance for instance in found if instance.row.callbacks],
-        module=f"{extension.module}._wrpgen._generic",
+    text = (
+        environment()
+        .get_template("generic.cpp.j2")
+        .render(
+            extension=extension,
+            instances=[instance for instance in found if instance.form is not None],
+            callbacks=[instance for instance in found if instance.row.callbacks],
+            module=f"{extension.module}._wrpgen._generic",
+        )
     )
     return wrapped(text)
 
@@ -96,8 +100,10 @@ def write_managed(extension: Extension, found: list[Instance]) -> dict[str, str]
     if not found:
         return {}
     template = environment().get_template("generic.cs.j2")
-    table = environment().get_template("generic_table.cs.j2").render(
-        callbacks=[instance for instance in found if instance.row.callbacks]
+    table = (
+        environment()
+        .get_template("generic_table.cs.j2")
+        .render(callbacks=[instance for instance in found if instance.row.callbacks])
     )
     return {
         "Generic.cs": template.render(instances=[_managed(instance) for instance in bound]),

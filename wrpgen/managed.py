@@ -93,8 +93,12 @@ def _entry(name: str, result: str, parameters: list[str], body: list[str]) -> Si
 
 
 def _result(
-    form: Form | None, name: str, parameters: list[str], expression: str,
-    before: list[str], after: list[str],
+    form: Form | None,
+    name: str,
+    parameters: list[str],
+    expression: str,
+    before: list[str],
+    after: list[str],
 ) -> SimpleNamespace:
     """An entry that evaluates an expression and hands its value over."""
     if form is None:
@@ -162,7 +166,9 @@ def _static(family: Family, item: StaticField) -> list[SimpleNamespace]:
     if item.settable:
         value = _read(item.form, item.member.type, "value")
         entries.append(
-            _entry(f"setsa_{name}", "void", [f"{item.form.cs_param} value"], [f"{target} = {value};"])
+            _entry(
+                f"setsa_{name}", "void", [f"{item.form.cs_param} value"], [f"{target} = {value};"]
+            )
         )
     return entries
 

@@ -60,7 +60,9 @@ def _wrap(line: str) -> list[str]:
     if best is None:
         bracket = line.find("(", indent, LINE)
         if bracket < 0:
-            return [line]
+            # One long word: further to the left it fits.
+            word = line.strip()
+            return [" " * max(0, min(indent, LINE - len(word))) + word]
         best, column = (0, bracket + 1), indent + 4
     rest = line[best[1] :].lstrip()
     if column > 60 or column + len(rest.split(", ")[0]) > LINE:
@@ -119,9 +121,7 @@ class CallText:
                 passed.append(f"&{argument.variable}_value")
             else:
                 passed.append(_fill(argument.form.passed, argument.variable))
-        return result_lines(
-            self._host, self.call.entry, passed, self.call.result, self._pushes()
-        )
+        return result_lines(self._host, self.call.entry, passed, self.call.result, self._pushes())
 
     def _pushes(self) -> list[str]:
         lines = []
@@ -165,11 +165,18 @@ def result_lines(
     instance = f"{host}::get_instance()"
     test = "if (PyErr_Occurred()) return nullptr;"
     if form is None:
-        return [f"{instance}.{entry}({', '.join(passed)});", test, *pushes, "return fn_py_return_none();"]
+        return [
+            f"{instance}.{entry}({', '.join(passed)});",
+            test,
+            *pushes,
+            "return fn_py_return_none();",
+        ]
     if not form.by_slot:
         call = f"{instance}.{entry}({', '.join(passed)})"
-        const = f"{form.c_result}const result" if form.c_result.endswith("*") else (
-            f"const {form.c_result} result"
+        const = (
+            f"{form.c_result}const result"
+            if form.c_result.endswith("*")
+            else (f"const {form.c_result} result")
         )
         return [f"{const} = {call};", test, *pushes, f"return {_fill(form.c_to_py, 'result')};"]
     if form.c_result.startswith("nullable "):
@@ -280,9 +287,7 @@ def cast_entries(family: Family) -> list[Entry]:
     value = _HANDLE if family.kind == "class" else _VARIANT
     entries = [Entry("btp_TypeOf", [_OUT], "int"), Entry("btp_CastTo", [_VARIANT, _OUT], "int")]
     if family.has_cast_from:
-        entries.append(
-            Entry("btp_CastFrom", [("void *", "self"), ("void *", "type"), _OUT], "int")
-        )
+        entries.append(Entry("btp_CastFrom", [("void *", "self"), ("void *", "type"), _OUT], "int"))
     if family.kind != "interface":
         entries.append(Entry("btp_ReInterpretObj", [_HANDLE, _OUT], "int"))
     entries.append(Entry("btp_CastAs", [value, _OUT], "int"))
@@ -320,11 +325,7 @@ def host_entries(family: Family) -> list[Entry]:
 
 def _entry_order(family: Family) -> list[object]:
     """Members as declared; overloads that stand apart in the class keep their own places."""
-    calls = {
-        call.member: call
-        for item in family.methods
-        for call in own_calls(family, item)
-    }
+    calls = {call.member: call for item in family.methods for call in own_calls(family, item)}
     others = {item.member: item for item in family.order if not isinstance(item, Method)}  # type: ignore[attr-defined]
     found: list[object] = []
     for member in family.type.members:
@@ -358,4 +359,6 @@ def _weight(family: Family) -> int:
     if family.kind == "enum":
         return 12
     calls = sum(len(method.attempts) for method in family.methods)
-    return 24 + 2 * (calls + len(family.constructors)) + len(family.properties) + len(family.statics)
+    return (
+        24 + 2 * (calls + len(family.constructors)) + len(family.properties) + len(family.statics)
+    )

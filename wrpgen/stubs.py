@@ -19,7 +19,7 @@ from typing import IO, Any, overload
 
 '''
 
-_COMMON = '''    def get_type(self) -> kelmor.typemodel.Type: ...
+_COMMON = """    def get_type(self) -> kelmor.typemodel.Type: ...
     @staticmethod
     def _type_of() -> kelmor.typemodel.Type: ...
     @staticmethod
@@ -31,7 +31,7 @@ _COMMON = '''    def get_type(self) -> kelmor.typemodel.Type: ...
     def _cast_as(obj: Any, /) -> Any: ...
     @staticmethod
     def _is_assignable(obj: Any, /) -> bool: ...
-'''
+"""
 
 
 def write(extension: Extension, families: list[Family]) -> dict[str, str]:
@@ -137,7 +137,9 @@ def _function(name: str, call: Call, result: str, static: bool) -> list[str]:
         annotation = argument.form.py_in
         if argument.by_reference:
             annotation = "list[Any]"
-        elif argument.parameter.nullable and not annotation.endswith("None") and annotation != "Any":
+        elif (
+            argument.parameter.nullable and not annotation.endswith("None") and annotation != "Any"
+        ):
             annotation += " | None"
         word = argument.keyword
         # A keyword of the language can be given by position alone.

@@ -18,9 +18,7 @@ _OF_THE_RUNTIME = {
 }
 
 
-def write_header(
-    extension: Extension, families: list[Family], instances: list[Instance]
-) -> str:
+def write_header(extension: Extension, families: list[Family], instances: list[Instance]) -> str:
     generics = []
     for instance in instances:
         for letter, kind in zip("AIEL", ("Array", "Iter", "Iterable", "List")):
@@ -30,22 +28,30 @@ def write_header(
             if letter in "AL":
                 converter = f"wrpPygn_conv_py_to_clr_{kind.lower()}_{instance.tag}"
                 generics.append(f"int {converter}(PyObject *value, VariantArg *out);")
-    text = environment().get_template("families.h.j2").render(
-        extension=extension,
-        families=families,
-        generics=generics,
-        sibling_pointers=[f"extern {line};" for line in _pointers(extension)],
-        visible={family.symbol: visible_functions(family) for family in families},
+    text = (
+        environment()
+        .get_template("families.h.j2")
+        .render(
+            extension=extension,
+            families=families,
+            generics=generics,
+            sibling_pointers=[f"extern {line};" for line in _pointers(extension)],
+            visible={family.symbol: visible_functions(family) for family in families},
+        )
     )
     return wrapped(text)
 
 
 def write_tree(extension: Extension, families: list[Family]) -> str:
-    text = environment().get_template("tree.cpp.j2").render(
-        extension=extension,
-        modules=_modules(extension, families),
-        root_methods=extension.key == "psd",
-        own_descriptors=True,
+    text = (
+        environment()
+        .get_template("tree.cpp.j2")
+        .render(
+            extension=extension,
+            modules=_modules(extension, families),
+            root_methods=extension.key == "psd",
+            own_descriptors=True,
+        )
     )
     return wrapped(text)
 
@@ -162,14 +168,18 @@ def write_module(extension: Extension, families: list[Family]) -> str:
     name, tag = extension.modules[0]
     leaf = name.rsplit(".", 1)[-1]
     by_name = {family.type.full_name: family for family in families}
-    text = environment().get_template("module.cpp.j2").render(
-        extension=extension,
-        leaf=leaf,
-        root=f"{tag}_{leaf}",
-        pointers=[f"{line};" for line in _pointers(extension)],
-        sources=_sources(extension),
-        exports=[_export(capsule, by_name) for capsule in extension.exports],
-        own_pointers=_own_pointers(extension, by_name),
+    text = (
+        environment()
+        .get_template("module.cpp.j2")
+        .render(
+            extension=extension,
+            leaf=leaf,
+            root=f"{tag}_{leaf}",
+            pointers=[f"{line};" for line in _pointers(extension)],
+            sources=_sources(extension),
+            exports=[_export(capsule, by_name) for capsule in extension.exports],
+            own_pointers=_own_pointers(extension, by_name),
+        )
     )
     return wrapped(text)
 

@@ -52,11 +52,15 @@ def write_family(family: Family, families: list[Family]) -> str:
 
 
 def _write_enum(family: Family) -> str:
-    text = environment().get_template("enum.j2").render(
-        family=family,
-        entries=host_entries(family),
-        protocol=_ENUM_PROTOCOL,
-        values=[(_value_name(family, value), _number(value)) for value in family.type.values],
+    text = (
+        environment()
+        .get_template("enum.j2")
+        .render(
+            family=family,
+            entries=host_entries(family),
+            protocol=_ENUM_PROTOCOL,
+            values=[(_value_name(family, value), _number(value)) for value in family.type.values],
+        )
     )
     return wrapped(text)
 
@@ -73,29 +77,33 @@ def _number(value: EnumValue) -> str:
 
 def _write_class(family: Family, families: list[Family]) -> str:
     host = family.host
-    statics = [_static(family, item, number) for number, item in enumerate(family.statics)]
+    statics = [_static(family, item) for item in family.statics]
     mixed = _mixed_methods(family)
     by_type = {other.type.full_name: other for other in families}
     nested = [by_type[enum.full_name] for enum in family.enums]
-    text = environment().get_template("class.j2").render(
-        family=family,
-        entries=host_entries(family),
-        constructors=[CallText(host, call) for call in family.constructors],
-        outlined_constructors=[
-            CallText(host, call)
-            for call in family.constructors
-            if call.cleanup and len(family.constructors) > 1
-        ],
-        outlined=[CallText(host, a.call, a.function) for a in family.outlined],
-        methods=[_method(family, m) for m in family.methods if not m.shared],
-        properties=[_property(family, p) for p in family.properties if not p.shared],
-        statics=statics,
-        mixed_methods=mixed,
-        nested_enums=nested,
-        has_eypi=has_eypi(family),
-        method_rows=_method_rows(family, statics),
-        property_rows=_property_rows(family),
-        iteration=_iteration(family),
+    text = (
+        environment()
+        .get_template("class.j2")
+        .render(
+            family=family,
+            entries=host_entries(family),
+            constructors=[CallText(host, call) for call in family.constructors],
+            outlined_constructors=[
+                CallText(host, call)
+                for call in family.constructors
+                if call.cleanup and len(family.constructors) > 1
+            ],
+            outlined=[CallText(host, a.call, a.function) for a in family.outlined],
+            methods=[_method(family, m) for m in family.methods if not m.shared],
+            properties=[_property(family, p) for p in family.properties if not p.shared],
+            statics=statics,
+            mixed_methods=mixed,
+            nested_enums=nested,
+            has_eypi=has_eypi(family),
+            method_rows=_method_rows(family, statics),
+            property_rows=_property_rows(family),
+            iteration=_iteration(family),
+        )
     )
     return wrapped(text)
 
@@ -107,9 +115,7 @@ def has_eypi(family: Family) -> bool:
 
 def _method(family: Family, method: Method) -> SimpleNamespace:
     alone = len(method.attempts) == 1
-    texts = [
-        CallText(family.host, a.call, "" if alone else a.function) for a in method.attempts
-    ]
+    texts = [CallText(family.host, a.call, "" if alone else a.function) for a in method.attempts]
     return SimpleNamespace(
         row=method,
         texts=texts,
@@ -140,7 +146,7 @@ def _conversion(form, failure: str) -> list[str]:
     return [*lines, f"if (!{form.converter}(value, {target})) return {failure};"]
 
 
-def _static(family: Family, item, number: int) -> SimpleNamespace:
+def _static(family: Family, item: StaticField) -> SimpleNamespace:
     symbol, entry = family.symbol, item.member.name
     setter = []
     py_setter = "set_" + names.snake(item.member.name)
@@ -153,10 +159,10 @@ def _static(family: Family, item, number: int) -> SimpleNamespace:
         ]
     return SimpleNamespace(
         row=item,
-        getter_name=f"wrpPy_spvg_{symbol}_{number:03}_get_{item.py_name}",
+        getter_name=f"wrpPy_spvg_{symbol}_000_get_{item.py_name}",
         setter_name=f"wrpPy_spvg_{symbol}_000_{py_setter}",
         py_setter=py_setter,
-        record=f"wrpPy_sgsf_{symbol}_{number:03}_{item.py_name}",
+        record=f"wrpPy_sgsf_{symbol}_000_{item.py_name}",
         getter=result_lines(family.host, f"getsa_{entry}", [], item.form, []),
         setter=setter,
     )
@@ -179,9 +185,7 @@ def _method_rows(family: Family, statics: list[SimpleNamespace]) -> list[str]:
                 rows.append(_method_row(item.py_name, item.function, item.flags))
         elif isinstance(item, StaticField) and item.settable:
             static = setters[item.member]
-            rows.append(
-                _method_row(static.py_setter, static.setter_name, "METH_O | METH_STATIC")
-            )
+            rows.append(_method_row(static.py_setter, static.setter_name, "METH_O | METH_STATIC"))
     if family.disposable:
         rows.append(_method_row("__enter__", "wrpPye_bltp_idisposable_enter", "METH_NOARGS"))
         rows.append(_method_row("__exit__", "wrpPye_bltp_idisposable_exit", "METH_VARARGS"))
@@ -210,6 +214,7 @@ def _mixed_methods(family: Family) -> list[SimpleNamespace]:
         stem = f"wrpPy_mxml_{family.symbol}_000_{name}"
         mixed.append(
             SimpleNamespace(
+                name=f"mixed_{name}",
                 static_record=f"{stem}_static",
                 instance_record=f"{stem}_instance",
                 static_row=_method_row(name, halves[True].function, halves[True].flags),
@@ -253,4 +258,11 @@ def visible_functions(family: Family) -> list[str]:
     return lines
 
 
-__all__ = ["write_units", "write_family", "visible_functions", "RUNTIME_INTERFACES", "number_type", "Entry"]
+__all__ = [
+    "write_units",
+    "write_family",
+    "visible_functions",
+    "RUNTIME_INTERFACES",
+    "number_type",
+    "Entry",
+]
