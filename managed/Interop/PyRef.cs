@@ -8,7 +8,7 @@ namespace Kelmor.WrpGen.Interop;
 internal sealed unsafe class PyRef
 {
     /// <summary>What a stream weighs: behind it may stand a whole document in memory.</summary>
-    public const int StreamWeight = 64;
+    public const int StreamWeight = 128;
 
     // The collector sees a few bytes where Python holds megabytes, so it is called when this much
     // has been adopted since the last time.

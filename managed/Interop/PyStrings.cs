@@ -12,6 +12,10 @@ namespace Kelmor.WrpGen.Interop;
 /// </summary>
 internal static unsafe class PyStrings
 {
+    // Code points in a step. The narrowest vectors, since code with wider ones is not compiled
+    // ahead and would cost its first caller a compilation.
+    private const int Block = 8;
+
     /// <summary>The text of a record; null for None.</summary>
     public static string? Decode(PyStringArg* text)
     {
@@ -55,11 +59,11 @@ internal static unsafe class PyStrings
     {
         int count = 0;
         int i = 0;
-        Vector256<uint> limit = Vector256.Create(0xFFFFu);
-        for (; i <= codePoints.Length - Vector256<uint>.Count; i += Vector256<uint>.Count)
+        Vector128<uint> limit = Vector128.Create(0xFFFFu);
+        for (; i <= codePoints.Length - Vector128<uint>.Count; i += Vector128<uint>.Count)
         {
-            Vector256<uint> block = Vector256.Create(codePoints[i..]);
-            uint above = Vector256.GreaterThan(block, limit).ExtractMostSignificantBits();
+            Vector128<uint> block = Vector128.Create(codePoints[i..]);
+            uint above = Vector128.GreaterThan(block, limit).ExtractMostSignificantBits();
             count += BitOperations.PopCount(above);
         }
         for (; i < codePoints.Length; i++)
@@ -73,19 +77,19 @@ internal static unsafe class PyStrings
     {
         int at = 0;
         int i = 0;
-        Vector256<uint> limit = Vector256.Create(0xFFFFu);
+        Vector128<uint> limit = Vector128.Create(0xFFFFu);
         Span<ushort> units = MemoryMarshal.Cast<char, ushort>(target);
-        for (; i <= codePoints.Length - 16; i += 16)
+        for (; i <= codePoints.Length - Block; i += Block)
         {
-            Vector256<uint> low = Vector256.Create(codePoints[i..]);
-            Vector256<uint> high = Vector256.Create(codePoints[(i + 8)..]);
-            if (Vector256.GreaterThanAny(low | high, limit))
+            Vector128<uint> low = Vector128.Create(codePoints[i..]);
+            Vector128<uint> high = Vector128.Create(codePoints[(i + (Block / 2))..]);
+            if (Vector128.GreaterThanAny(low | high, limit))
             {
-                at = NarrowEach(codePoints.Slice(i, 16), target, at);
+                at = NarrowEach(codePoints.Slice(i, Block), target, at);
                 continue;
             }
-            Vector256.Narrow(low, high).CopyTo(units[at..]);
-            at += 16;
+            Vector128.Narrow(low, high).CopyTo(units[at..]);
+            at += Block;
         }
         NarrowEach(codePoints[i..], target, at);
     }
