@@ -280,7 +280,6 @@ def block():
     return ctypes.create_string_buffer(b"abcdef", 6)
 
 
-@behaviour("marshal-bytes.view-type.name")
 def test_the_type_of_a_window_has_its_full_name():
     full_name = ctypes.c_char_p.from_address(identity(VIEW_TYPE) + 24).value
     assert full_name == b"kelmor.psd._wrpgen._interop._ShlBufferView"

@@ -214,6 +214,122 @@ def test_the_services_of_the_records(s):
     assert pending.received == []
 
 
+# Collections.
+
+
+def converters():
+    """The collection converters, with the wrapper type of each."""
+    names = {
+        "array": "_ArrayWrapper",
+        "arrlist": "_ArrListWrapper",
+        "colbase": "_ColBaseWrapper",
+        "rocolbase": "_RoColBaseWrapper",
+        "ilist": "_IListWrapper",
+        "icollection": "_IColWrapper",
+        "iterable": "_IterableWrapper",
+        "iter": "_IterWrapper",
+        "stream": "_StreamWrapper",
+    }
+    return {"wrpPye_conv_py_to_clr_" + form: name for form, name in names.items()}
+
+
+def as_collection(s, name, value, fill=0x5555):
+    """(kind, value) of a record that held a pattern before."""
+    record = s.native.VariantArg(kind=-7, value=fill)
+    convert = s.function(name, INT, OBJECT, POINTER)
+    assert convert(value, ctypes.addressof(record)) == 1
+    return record.kind, record.value
+
+
+@scene(
+    "marshal-records.variant.collection-kind-0",
+    "marshal-records.variant.collection-value-always-set",
+    "marshal-records.variant.collection-no-kind-1",
+)
+def test_a_managed_collection_is_its_handle(s):
+    for name, type_name in converters().items():
+        wrapper = s.wrap(getattr(s.interop, type_name), 0x5000)
+        assert as_collection(s, name, wrapper) == (0, 0x5000)
+        assert as_collection(s, name, None) == (0, None)
+
+
+@scene(
+    "marshal-records.variant.collection-kind-2",
+    "marshal-records.variant.collection-value-always-set",
+    "marshal-records.variant.collection-no-kind-1",
+)
+def test_a_python_collection_is_lent(s):
+    lists, derived = [1, 2], type("MyList", (list,), {})([1])
+    cases = [
+        *[
+            (form, value)
+            for form in ("array", "arrlist", "colbase", "ilist")
+            for value in (lists, derived)
+        ],
+        *[("icollection", value) for value in (lists, {1: 2}, {1, 2}, range(3))],
+        *[("iterable", value) for value in (lists, (1, 2), {1: 2}, iter([1]), "text")],
+        *[("iter", value) for value in (iter([1]), (i for i in range(3)))],
+        *[("stream", value) for value in (io.BytesIO(b"x"), io.BufferedReader(io.BytesIO(b"x")))],
+    ]
+    for form, value in cases:
+        before = sys.getrefcount(value)
+        assert as_collection(s, "wrpPye_conv_py_to_clr_" + form, value) == (2, id(value)), form
+        assert sys.getrefcount(value) == before
+
+
+@scene(
+    "marshal-records.variant.collection-kind-3",
+    "marshal-records.variant.collection-value-always-set",
+    "marshal-records.variant.collection-no-kind-1",
+)
+def test_a_python_sequence_is_lent(s):
+    for form in ("array", "arrlist", "colbase", "ilist"):
+        for value in ((1, 2), range(3), "text"):
+            converted = as_collection(s, "wrpPye_conv_py_to_clr_" + form, value)
+            assert converted == (3, id(value)), (form, value)
+
+
+@scene("marshal-bytes.view.readinto-path")
+def test_a_python_stream_reads_into_a_managed_block(s):
+    """The window is writable, and what the stream stores arrives in the block."""
+    block = ctypes.create_string_buffer(b"........", 8)
+    windows = []
+
+    class Watching(io.BytesIO):
+        def readinto(self, window):
+            windows.append((type(window), memoryview(window).readonly, memoryview(window).nbytes))
+            return super().readinto(window)
+
+    read = s.function("fn_clbk_rawio_read", INT, OBJECT, POINTER, INT)
+    stream = Watching(b"abc")
+    assert read(stream, ctypes.addressof(block), 6) == 3
+    assert block.raw == b"abc....."
+    assert windows == [(s.interop._ShlBufferView, False, 6)]
+
+
+@scene("marshal-bytes.from-clr.stream-read-is-bytes")
+def test_a_managed_stream_reads_bytes(s):
+    stream = s.wrap(s.interop._StreamWrapper, 0x5000)
+    pieces = [b"abc", b""]
+
+    def read(frame):
+        piece = pieces.pop(0) if pieces else b""
+        ctypes.memmove(frame.integers[1], piece, len(piece))
+        frame.result = len(piece)
+
+    s.method("Stream", "CanRead").returns(1)
+    s.method("Stream", "Read").calls(read)
+    made = stream.read(3)
+    assert type(made) is bytes and made == b"abc"
+
+
+@scene("marshal-bytes.view-type.name")
+def test_the_window_is_a_type_of_the_interop_module(s):
+    kind = s.interop._ShlBufferView
+    assert id(kind) == s.native.address("wrpPye_tyds_ShlBufferView")
+    assert kind.__module__ == "kelmor.psd._wrpgen._interop"
+
+
 # The start.
 
 
