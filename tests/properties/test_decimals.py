@@ -46,7 +46,7 @@ def expected(sign, digits, exponent):
         alone = read % 9 == 1
         number = half_even(number, 0 if alone else number // 10)
         kept = read - 1
-    if kept == 29 and exponent < 0 and number >= LIMIT and not carried(number, kept):
+    if kept == 29 and exponent < 0 and number >= LIMIT:
         exponent += 1
         number = half_even(number, number // 10)
     if number >= LIMIT:
@@ -57,10 +57,6 @@ def expected(sign, digits, exponent):
         number *= 10**exponent
         return (sign, number, 0) if number < LIMIT else None
     return (sign, number, -exponent)
-
-
-def carried(number, kept):
-    return number >= 10**kept
 
 
 def values(rng, how_many):

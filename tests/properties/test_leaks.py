@@ -75,7 +75,7 @@ CONVERTERS = {
     "struct": Objects.echo_pair,
     "interface": Objects.echo_figure,
     "variant": Variants.echo,
-    "array": Collections.echo_int32_array,
+    "array": Collections.echo_int_32_array,
     "objects": Collections.echo_counter_array,
     "list": Collections.echo_list,
     "stream": Streams.echo,
