@@ -9,13 +9,12 @@ The body runs in a process of its own, with siblings made of nothing.
 """
 
 import ctypes
-import gc
+import gc  # noqa: F401  (for the bodies)
 import importlib
 import inspect
-import io
 import json
 import struct
-import sys
+import sys  # noqa: F401
 import textwrap
 
 import pytest

@@ -1,6 +1,9 @@
 """What delegates receive and what becomes of what they give: the harness over the script."""
 
 # flake8: noqa: F403, F405
+import gc
+import sys
+
 from harness_scene import *
 
 # Numbers.
