@@ -30,7 +30,7 @@ internal static class ImageSaving
                 SavePsd(image, stream, options as PsdOptions, area);
                 break;
             case PngOptions png when image is RasterImage raster:
-                Codecs.PngExport.Save(raster, stream, png, area.IsEmpty ? image.Bounds : area);
+                Codecs.Png.PngExport.Save(raster, stream, png, area.IsEmpty ? image.Bounds : area);
                 break;
             default:
                 throw new ImageSaveException($"Images are not written in the format {options.Format}.");

@@ -68,7 +68,11 @@ public partial class PsdImage : RasterCachedImage
     /// <param name="compression">How pixels are packed when the document is saved.</param>
     /// <exception cref="PsdImageException">The format has no such document.</exception>
     public PsdImage(int width, int height, ColorModes colorMode, short channelBitsCount, CompressionMethod compression)
-        : this(PsdCreation.Create(width, height, colorMode, channelBitsCount, compression), null) => IsNew = true;
+        : this(PsdCreation.Create(width, height, colorMode, channelBitsCount, compression), null)
+    {
+        IsNew = true;
+        IsMergedStale = true;
+    }
 
     private PsdImage(PsdFile file, LoadOptions? loadOptions)
     {
