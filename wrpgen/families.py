@@ -68,6 +68,7 @@ class Call:
     result: Form | None  # None for void and constructors
     constructor: bool = False
     number: int = 0  # among the signatures that the owner itself declares under this name
+    owners: frozenset[str] = frozenset()  # parameters that say who closes a stream
 
     @property
     def cleanup(self) -> bool:
@@ -416,7 +417,19 @@ class Composer:
                 self._skip(type_, member)
                 continue
             entry = f"ctor_{len(calls):03}_{type_.simple_name}"
-            calls.append(Call(type_, entry, member, True, arguments, None, True, number=len(calls)))
+            calls.append(
+                Call(
+                    type_,
+                    entry,
+                    member,
+                    True,
+                    arguments,
+                    None,
+                    True,
+                    len(calls),
+                    self.extension.overrides.stream_owners,
+                )
+            )
         return tuple(calls)
 
     def _statics(self, type_: Type) -> tuple[StaticField, ...]:

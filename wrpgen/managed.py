@@ -67,7 +67,7 @@ def _passed(call: Call) -> tuple[list[str], list[str], list[str]]:
     for argument in call.arguments:
         name, form = _variable(argument), argument.form
         if not argument.by_reference:
-            passed.append(_read(form, argument.parameter.type, name))
+            passed.append(_owned(call, argument) or _read(form, argument.parameter.type, name))
             continue
         held = name + "_value"
         if argument.parameter.direction == "ref":
@@ -79,6 +79,16 @@ def _passed(call: Call) -> tuple[list[str], list[str], list[str]]:
         out = f"{name}_out" if form.built else name
         after.append(f"*{out} = {form.cs_write.replace('{v}', held)};")
     return before, passed, after
+
+
+def _owned(call: Call, argument: Argument) -> str:
+    """A stream that the member takes over when another parameter says so."""
+    if argument.parameter.type != "System.IO.Stream":
+        return ""
+    for other in call.arguments:
+        if other.parameter.name in call.owners:
+            return f"Args.Stream({_variable(argument)}, {_variable(other)} != 0)"
+    return ""
 
 
 def _entry(name: str, result: str, parameters: list[str], body: list[str]) -> SimpleNamespace:
@@ -200,7 +210,8 @@ def _casts(family: Family) -> list[str]:
     cast_to = "CastToStruct" if family.kind == "struct" else "CastTo"
     rows = [
         f"int btp_TypeOf(nint* result) => Casts.{type_of};",
-        f"int btp_CastTo(VariantArg* value, nint* result) => Casts.{cast_to}<{bound}>(value, result);",
+        "int btp_CastTo(VariantArg* value, nint* result) => "
+        f"Casts.{cast_to}<{bound}>(value, result);",
     ]
     if family.has_cast_from:
         rows.append(

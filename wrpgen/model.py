@@ -156,6 +156,7 @@ class Overrides:
     skip: frozenset[str]  # "Type.Member" that is not bound
     cast_from: frozenset[str]  # types with a real _cast_from
     own_members: frozenset[str]  # types that serve members of their interfaces by own entries
+    stream_owners: frozenset[str]  # bool parameters by which a member takes a stream over
 
 
 @dataclass(frozen=True)
@@ -218,6 +219,7 @@ def load(api: Path, key: str) -> Extension:
             python_names={entry["member"]: entry["name"] for entry in overrides["names"]},
             skip=frozenset(entry["member"] for entry in overrides["skip"]),
             cast_from=frozenset(entry["type"] for entry in overrides["cast_from"]),
+            stream_owners=frozenset(entry["parameter"] for entry in overrides["stream_owners"]),
             own_members=frozenset(entry["type"] for entry in overrides["own_members"]),
         ),
     )

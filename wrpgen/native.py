@@ -41,7 +41,7 @@ def wrapped(text: str) -> str:
 
 
 def _wrap(line: str) -> list[str]:
-    """Cuts at the outermost comma that fits, and goes on under the bracket that stands open there."""
+    """Cuts at the outermost comma that fits, and goes on under the bracket that is open there."""
     if len(line) <= LINE:
         return [line]
     indent = len(line) - len(line.lstrip())
@@ -305,7 +305,7 @@ def own_calls(family: Family, item: object) -> list[Call]:
 
 def host_entries(family: Family) -> list[Entry]:
     """All slots in order: constructors, members as declared, casts."""
-    entries = [_with_result(c.entry, _parameters(c), _HANDLE_RESULT) for c in family.constructors]
+    entries = [Entry(c.entry, _parameters(c), "void *") for c in family.constructors]
     for item in _entry_order(family):
         if isinstance(item, Call):
             entries.append(_with_result(item.entry, _parameters(item), item.result))
@@ -326,7 +326,7 @@ def host_entries(family: Family) -> list[Entry]:
 def _entry_order(family: Family) -> list[object]:
     """Members as declared; overloads that stand apart in the class keep their own places."""
     calls = {call.member: call for item in family.methods for call in own_calls(family, item)}
-    others = {item.member: item for item in family.order if not isinstance(item, Method)}  # type: ignore[attr-defined]
+    others = {item.member: item for item in (*family.properties, *family.statics)}
     found: list[object] = []
     for member in family.type.members:
         if member in calls:
@@ -334,14 +334,6 @@ def _entry_order(family: Family) -> list[object]:
         elif member in others:
             found.append(others[member])
     return found
-
-
-class _HandleForm:
-    by_slot = False
-    c_result = "void *"
-
-
-_HANDLE_RESULT = _HandleForm()  # type: ignore[assignment]
 
 
 def groups(families: list[Family], count: int) -> list[list[Family]]:
