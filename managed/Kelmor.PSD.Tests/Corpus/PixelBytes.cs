@@ -20,6 +20,14 @@ internal static class PixelBytes
         return bytes;
     }
 
+    public static void MakeOpaque(byte[] rgba)
+    {
+        for (var at = 3; at < rgba.Length; at += 4)
+        {
+            rgba[at] = 255;
+        }
+    }
+
     /// <summary>Mean absolute difference of colours over white and of alpha, cell by cell.</summary>
     public static double GridDifference(JsonElement grid, byte[] rgba, Size size)
     {

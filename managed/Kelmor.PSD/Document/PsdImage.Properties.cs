@@ -20,8 +20,8 @@ public partial class PsdImage
     /// <inheritdoc/>
     public override FileFormat FileFormat => FileFormat.Psd;
 
-    /// <summary>True when the merged image has transparency.</summary>
-    public override bool HasAlpha => MergedAlphaIndex >= 0;
+    /// <summary>True when the merged image has transparency, or its palette a transparent entry.</summary>
+    public override bool HasAlpha => MergedAlphaIndex >= 0 || Palette is IPsdColorPalette { HasTransparentColor: true };
 
     /// <summary>Pixels per inch downwards.</summary>
     public override double VerticalResolution

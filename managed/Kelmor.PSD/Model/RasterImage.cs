@@ -209,6 +209,15 @@ public abstract partial class RasterImage : Image
         SaveArgb32Pixels(rectangle, Array.ConvertAll(pixels, color => color.ToArgb()));
     }
 
+    /// <summary>A copy of all pixels as a bitmap of the drawing types.</summary>
+    public Kelmor.GfxTypes.Bitmap ToBitmap()
+    {
+        var bitmap = new Kelmor.GfxTypes.Bitmap(Width, Height);
+        bitmap.SetArgb32Pixels(LoadArgb32Pixels(Bounds));
+        bitmap.SetResolution((float)HorizontalResolution, (float)VerticalResolution);
+        return bitmap;
+    }
+
     /// <summary>Changes the colours of a rectangle, given as ink amounts.</summary>
     public void SaveCmykPixels(Rectangle rectangle, CmykColor[] pixels)
     {

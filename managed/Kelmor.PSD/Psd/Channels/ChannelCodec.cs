@@ -13,7 +13,7 @@ internal static class ChannelCodec
     private const int MostFromDeflate = 1032;
 
     // Damaged data may be filled up with zeros to this size, whatever they hold.
-    private const long AlwaysAllowed = 64 << 20;
+    private const long AlwaysAllowed = 1 << 20;
 
     /// <summary>Unpacks channels of equal size that are packed together.</summary>
     /// <param name="method">How they are packed.</param>
@@ -93,7 +93,11 @@ internal static class ChannelCodec
             CompressionMethod.ZipWithoutPrediction or CompressionMethod.ZipWithPrediction => packed * MostFromDeflate,
             _ => throw new PsdImageException($"The channel data are damaged: the compression method {(int)method} is not known."),
         };
-        if (needed > most && !(recovery == DataRecoveryMode.MaximalRecover && needed <= AlwaysAllowed))
+        if (recovery == DataRecoveryMode.MaximalRecover)
+        {
+            most = Math.Max(AlwaysAllowed, packed * MostFromDeflate);
+        }
+        if (needed > most)
         {
             throw new PsdImageException($"The channel data are damaged: {packed} bytes cannot hold {channels} channels of {layout.Width} x {layout.Height} samples of {layout.Depth} bits.");
         }
