@@ -116,6 +116,17 @@ public unsafe class ListEntryTests : TestBase
         Assert.Equal("System.InvalidCastException", Raised().Type);
     }
 
+    private sealed class Shorts : System.Collections.ObjectModel.Collection<short>;
+
+    [Fact]
+    public void A_value_is_fitted_to_the_elements_of_any_typed_list()
+    {
+        var shorts = new Shorts { 1 };
+        Assert.Equal(0, Set("SiApiCntList", Own(shorts), 0, 200));
+        Insert(Own(shorts), 0, 5);
+        Assert.Equal([5, 200], shorts);
+    }
+
     [Fact]
     public void Pop_takes_the_last_item_or_the_one_at_an_index()
     {

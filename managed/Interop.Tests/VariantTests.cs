@@ -244,6 +244,34 @@ public unsafe class VariantTests : TestBase
         Assert.Equal(noneRefs, FakePython.Refs(FakePython.None));
     }
 
+    private sealed class Unspeakable : ICollection
+    {
+        public int Count => throw new NotSupportedException();
+
+        public bool IsSynchronized => false;
+
+        public object SyncRoot => this;
+
+        public void CopyTo(Array array, int index) => throw new NotSupportedException();
+
+        public IEnumerator GetEnumerator() => throw new NotSupportedException();
+    }
+
+    private sealed class Disposed : IPyAdapter
+    {
+        public nint PyObject => 0;
+    }
+
+    [Fact]
+    public void A_list_is_given_up_when_an_item_throws()
+    {
+        int alive = FakePython.Alive;
+        Assert.Throws<ObjectDisposedException>(
+            () => Results.List(new object[] { 1, new Disposed(), 2 }));
+        Assert.Throws<NotSupportedException>(() => Results.List(new Unspeakable()));
+        Assert.Equal(alive, FakePython.Alive);
+    }
+
     [Fact]
     public void An_adapter_becomes_the_object_behind_it()
     {

@@ -36,26 +36,46 @@ internal static unsafe partial class Results
         {
             return 0;
         }
-        bool failed = false;
-        for (int i = 0; i < all.Length; i++)
+        int done = 0;
+        try
         {
-            nint item = failed ? 0 : Variant(all[i]);
-            failed |= item == 0;
-            PyApi.List->SetFastItem(slots, i, item != 0 ? item : PyApi.NewNone());
+            for (nint item; done < all.Length && (item = Variant(all[done])) != 0; done++)
+            {
+                PyApi.List->SetFastItem(slots, done, item);
+            }
+            return done == all.Length ? list : 0;
         }
-        if (failed)
+        finally
         {
-            PyApi.Object->XDecRef(list);
-            return 0;
+            if (done < all.Length)
+            {
+                Abandon(list, slots, done, all.Length);
+            }
         }
-        return list;
+    }
+
+    private static void Abandon(nint list, nint* slots, int done, int length)
+    {
+        for (; done < length; done++)
+        {
+            PyApi.List->SetFastItem(slots, done, PyApi.NewNone());
+        }
+        PyApi.Object->XDecRef(list);
     }
 
     private static nint NewReference(IPyAdapter adapter)
     {
-        nint pyObject = adapter.PyObject;
+        nint pyObject = Lent(adapter);
         PyApi.Object->XIncRef(pyObject);
         GC.KeepAlive(adapter);
+        return pyObject;
+    }
+
+    // An iterator that has been disposed of has no object any more.
+    private static nint Lent(IPyAdapter adapter)
+    {
+        nint pyObject = adapter.PyObject;
+        ObjectDisposedException.ThrowIf(pyObject == 0, adapter);
         return pyObject;
     }
 

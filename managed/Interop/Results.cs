@@ -57,9 +57,7 @@ internal static unsafe partial class Results
     {
         if (value is IPyAdapter adapter)
         {
-            result->Kind = 2;
-            result->Handle = adapter.PyObject;
-            result->TypeToken = 0;
+            *result = new PyCollectionArg { Kind = 2, Handle = Lent(adapter) };
             return;
         }
         // Kind 1 tells the reader that it is a struct whose box it may have to ask for.

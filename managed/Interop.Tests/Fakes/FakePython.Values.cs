@@ -5,8 +5,8 @@ namespace Kelmor.WrpGen.Interop.Tests.Fakes;
 
 internal static unsafe partial class FakePython
 {
-    // Larger than that of any interpreter, and filled to its end: memory of a size that managed code
-    // believes to know would be overrun.
+    // Larger than that of any interpreter, and filled to its end: memory of a size that managed
+    // code believes to know would be overrun.
     private const int BufferSize = 4096;
 
     [UnmanagedCallersOnly]

@@ -1,5 +1,6 @@
 // A managed list of unknown element type, as a list of objects.
 using System.Collections;
+using System.Collections.Concurrent;
 
 namespace Kelmor.WrpGen.Interop;
 
@@ -9,6 +10,8 @@ namespace Kelmor.WrpGen.Interop;
 /// </summary>
 internal sealed class UntypedList(IList inner) : IList<object?>
 {
+    private static readonly ConcurrentDictionary<Type, Type?> s_elementTypes = [];
+
     public IList Inner { get; } = inner;
 
     public int Count => Inner.Count;
@@ -47,17 +50,13 @@ internal sealed class UntypedList(IList inner) : IList<object?>
     IEnumerator IEnumerable.GetEnumerator() => Inner.GetEnumerator();
 
     private object? Fit(object? value) =>
-        ElementType() is { } type ? Variants.Fit(value, type) : value;
+        ElementType(Inner.GetType()) is { } type ? Variants.Fit(value, type) : value;
 
-    private Type? ElementType()
-    {
-        Type type = Inner.GetType();
-        if (type.IsArray)
-        {
-            return type.GetElementType();
-        }
-        return type.IsGenericType && type.GetGenericTypeDefinition() == typeof(List<>)
-            ? type.GenericTypeArguments[0]
-            : null;
-    }
+    private static Type? ElementType(Type type) =>
+        type.IsArray ? type.GetElementType() : s_elementTypes.GetOrAdd(type, DeclaredElementType);
+
+    private static Type? DeclaredElementType(Type type) => type.GetInterfaces()
+        .FirstOrDefault(each =>
+            each.IsGenericType && each.GetGenericTypeDefinition() == typeof(IList<>))
+        ?.GenericTypeArguments[0];
 }
