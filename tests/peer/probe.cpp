@@ -59,4 +59,4 @@ ProbeTable::ProbeTable(const ProbeRow *rows, std::size_t size)
 
 const ProbeTable *ProbeTable::first() { return first_table(); }
 
-PyMODINIT_FUNC PyInit_kelmor_probe() { return PyModule_Create(&module); }
+KELMOR_MODULE_ENTRY PyInit_kelmor_probe() { return PyModule_Create(&module); }
