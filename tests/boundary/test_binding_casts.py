@@ -1,6 +1,8 @@
 """The cast built-ins."""
 
-from wrappers import *
+import ctypes
+
+from wrappers import POINTER, handle_of, i32, raised, scene, text_of, variant
 
 
 def fails(*statuses):

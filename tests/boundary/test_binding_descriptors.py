@@ -1,6 +1,10 @@
 """The descriptors and the method object."""
 
-from wrappers import *
+import ctypes
+import gc
+import sys
+
+from wrappers import INT, OBJECT, POINTER, TEXT, handle_of, i64, raised, scene, text_of
 
 
 def definition(s, name):
@@ -90,7 +94,10 @@ def test_the_records(s):
 
     field, instance, static, mixed, bound = all_kinds(s, s.Sample)
     owner = id(s.Sample)
-    at = lambda name: definition(s, name)
+
+    def at(name):
+        return definition(s, name)
+
     assert words(field, 2) == [owner, at("constant_record")]
     assert words(instance, 2) == [owner, at("plain_noargs")]
     prepared = static.__get__(None, int)
@@ -110,7 +117,10 @@ def test_the_records(s):
 )
 def test_owners_are_held_and_given_back(s):
     target = Owner()
-    counts = lambda: (sys.getrefcount(Owner), sys.getrefcount(target))
+
+    def counts():
+        return (sys.getrefcount(Owner), sys.getrefcount(target))
+
     before = counts()
     field, instance, static, mixed, _ = all_kinds(s, Owner)
     bound = method(s, Owner, "plain_noargs", target)

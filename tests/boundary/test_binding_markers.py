@@ -1,6 +1,10 @@
 """Markers: facts about a type in its own dictionary."""
 
-from wrappers import *
+import ctypes
+import gc
+import sys
+
+from wrappers import INT, OBJECT, POINTER, scene, text_of
 
 
 def entries(kind):
@@ -36,7 +40,10 @@ def test_each_type_has_entries_of_its_own(s):
 @scene("binding-markers.setters.return-true", "binding-markers.key.interned-variables")
 def test_setters_store_their_entries(s):
     kind = fresh()
-    read = lambda name: OBJECT.from_address(s.native.address(f"PyWrpIdMarkattr_{name}")).value
+
+    def read(name):
+        return OBJECT.from_address(s.native.address(f"PyWrpIdMarkattr_{name}")).value
+
     castable = s.function("fn_set_castable_type_markattr", ctypes.c_bool, OBJECT, OBJECT)
     for name, key, value in [
         ("fn_set_obj_type_host_markattr", "KelmorClrHost", None),
@@ -204,8 +211,6 @@ def test_wrappers_of_the_family_are_converted(s):
 
 @scene("binding-markers.key.castable-never-read")
 def test_the_castable_marker_is_never_read(s):
-    import types as t
-
     fields = type.__dict__["__dict__"].__get__(s.Sample)
     raw = gc.get_referents(fields)[0]
     assert type(raw) is dict and raw["_kelmor_clr_castable_obj"] is None

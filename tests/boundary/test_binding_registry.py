@@ -1,6 +1,10 @@
 """The registry of types, and which type a result is shown as."""
 
-from wrappers import *
+import ctypes
+import io
+import sys
+
+from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, text_of
 
 
 def finder(s, name, key):
@@ -16,7 +20,10 @@ def finder(s, name, key):
 def name_map(s):
     add = s.function("map_add", None, POINTER, POINTER)
     find = finder(s, "map_find", POINTER)
-    encode = lambda text: ctypes.create_string_buffer((text + "\0").encode("utf-16-le"))
+
+    def encode(text):
+        return ctypes.create_string_buffer((text + "\0").encode("utf-16-le"))
+
     return lambda text, kind: add(encode(text), kind), lambda text: find(encode(text))
 
 

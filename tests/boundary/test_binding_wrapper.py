@@ -1,6 +1,10 @@
 """Wrappers: the record, the slots, who releases a handle."""
 
-from wrappers import *
+import ctypes
+import gc
+import sys
+
+from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, text_of, variant
 
 
 @scene("binding-wrapper.record.layout", "binding-wrapper.type.sizes")

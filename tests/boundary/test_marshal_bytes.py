@@ -268,8 +268,7 @@ def test_the_table_of_views_holds_its_four_functions():
 
 # The window on managed memory.
 
-ready_type = ctypes.pythonapi.PyType_Ready
-ready_type.argtypes = [POINTER]
+ready_type = ctypes.PYFUNCTYPE(INT, POINTER)(("PyType_Ready", ctypes.pythonapi))
 assert ready_type(address("wrpPye_tyds_ShlBufferView")) == 0
 VIEW_TYPE = ctypes.cast(address("wrpPye_tyds_ShlBufferView"), OBJECT).value
 create_view = native("fn_create_shlbuffer_view", OBJECT, POINTER, INT64, ctypes.c_int32)

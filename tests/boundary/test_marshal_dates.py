@@ -618,9 +618,9 @@ USERS = {
 
 def capsule_error():
     """What the interpreter says of the capsule."""
-    ctypes.pythonapi.PyCapsule_Import.restype = POINTER
+    load = ctypes.PYFUNCTYPE(POINTER, ctypes.c_char_p, INT)(("PyCapsule_Import", ctypes.pythonapi))
     with pytest.raises(Exception) as caught:
-        ctypes.pythonapi.PyCapsule_Import(b"datetime.datetime_CAPI", 0)
+        load(b"datetime.datetime_CAPI", 0)
     return said(caught.value)
 
 

@@ -101,8 +101,7 @@ def test_the_texts_of_a_managed_exception_are_given_back():
 # Python to managed.
 
 _raise_and_catch = native("raise_and_catch", OBJECT, POINTER, POINTER, POINTER, POINTER, POINTER)
-drop = ctypes.pythonapi.Py_DecRef
-drop.argtypes = [POINTER]
+drop = ctypes.PYFUNCTYPE(None, POINTER)(("Py_DecRef", ctypes.pythonapi))
 UNTOUCHED = 0x5555
 
 

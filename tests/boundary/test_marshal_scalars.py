@@ -193,8 +193,7 @@ def test_an_unsigned_value_beyond_its_width_is_named(width):
 
 def interpreters_words(reader, value):
     """What the interpreter's own function says of the value."""
-    function = getattr(ctypes.pythonapi, reader)
-    function.argtypes = [OBJECT]
+    function = ctypes.PYFUNCTYPE(INT, OBJECT)((reader, ctypes.pythonapi))
     with pytest.raises(Exception) as caught:
         function(value)
     return said(caught.value)

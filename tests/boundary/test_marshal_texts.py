@@ -162,15 +162,13 @@ def test_a_width_that_no_str_has_is_refused(kind):
 
 def legacy_str(*characters):
     """The address of a str that is not made ready, as old extensions made them."""
-    create = ctypes.pythonapi.PyUnicode_FromUnicode
-    create.restype = POINTER
-    create.argtypes = [POINTER, ctypes.c_ssize_t]
+    create = ctypes.PYFUNCTYPE(POINTER, POINTER, ctypes.c_ssize_t)(
+        ("PyUnicode_FromUnicode", ctypes.pythonapi)
+    )
     with warnings.catch_warnings():
         warnings.simplefilter("ignore", DeprecationWarning)
         text = create(None, len(characters))
-    content = ctypes.pythonapi.PyUnicode_AsUnicode
-    content.restype = POINTER
-    content.argtypes = [POINTER]
+    content = ctypes.PYFUNCTYPE(POINTER, POINTER)(("PyUnicode_AsUnicode", ctypes.pythonapi))
     buffer = (ctypes.c_uint32 * len(characters)).from_address(content(text))
     buffer[:] = characters
     return text
@@ -321,8 +319,7 @@ def test_a_path_in_bytes_is_decoded_as_the_system_does(path):
 @behaviour("marshal-scalars.path.other")
 @pytest.mark.parametrize("value", [5, 1.5, ["a"], object()], ids=repr)
 def test_what_is_no_path_gets_the_decoders_words(value):
-    decode = ctypes.pythonapi.PyUnicode_FSDecoder
-    decode.argtypes = [OBJECT, POINTER]
+    decode = ctypes.PYFUNCTYPE(INT, OBJECT, POINTER)(("PyUnicode_FSDecoder", ctypes.pythonapi))
     with pytest.raises(TypeError) as caught:
         decode(value, ctypes.addressof(ctypes.c_void_p()))
     with PathBuilder() as builder:

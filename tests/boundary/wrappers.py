@@ -10,20 +10,14 @@ The body runs in the process; what it asserts there ends the process when it doe
 types made by hand stand in `s.root`; the interop wrappers in `s.interop`.
 """
 
+import ast
 import ctypes
-import gc
 import inspect
-import io
 import struct
-import sys
 import textwrap
 import types
 
-import pytest
-
 import peer
-
-behaviour = pytest.mark.behaviour
 
 POINTER, OBJECT, INT, TEXT = ctypes.c_void_p, ctypes.py_object, ctypes.c_int, ctypes.c_char_p
 CLASSES = {
@@ -58,6 +52,8 @@ def scene(*ids, refuse=()):
     `refuse`: (class, method) pairs for which the peer has no delegate.
     """
 
+    import pytest  # not at the top: the processes of the tests do without
+
     def decorate(body):
         lines = textwrap.dedent(inspect.getsource(body)).splitlines()
         start = next(i for i, line in enumerate(lines) if line.startswith("def "))
@@ -69,8 +65,13 @@ def scene(*ids, refuse=()):
             and value.__module__ == module.__name__
             and not name.startswith("test_")
         )
+        imports = [
+            ast.unparse(node)
+            for node in ast.parse(inspect.getsource(module)).body
+            if isinstance(node, (ast.Import, ast.ImportFrom))
+        ]
         program = "\n".join(
-            ["from wrappers import *", shared, *lines[start:]]
+            [*imports, "from wrappers import Scene", shared, *lines[start:]]
             + [f"{body.__name__}(Scene({tuple(refuse)!r}))"]
         )
 
@@ -79,7 +80,7 @@ def scene(*ids, refuse=()):
 
         test.__name__, test.__doc__ = body.__name__, body.__doc__
         test.__module__ = body.__module__
-        return behaviour(*ids)(test) if ids else test
+        return pytest.mark.behaviour(*ids)(test) if ids else test
 
     return decorate
 
@@ -127,6 +128,11 @@ class Scene:
         self.Sample, self.Derived = self.root.Sample, self.root.Derived
         self.Value, self.IShape = self.root.Value, self.root.IShape
         self.requests_of_start = self.script.requests
+        self.calls_of_start = {
+            entry["method"]: entry["arguments"][:1]
+            for entry in self.script.journal
+            if entry["call"] == "delegate"
+        }
         self.method("Test", "Factory").calls(self.make_result)
         self.set_pointer("PyShCastOpResult_New", self.method("Test", "Factory").address)
         self.method("Test", "TypeToPy").calls(lambda f: self.give(f, ("Type", f.integers[0])))
@@ -160,6 +166,12 @@ class Scene:
         convert = self.function(name, INT, OBJECT, POINTER)
         assert convert(value, ctypes.addressof(record)) == 1
         return record.kind, record.value
+
+    def status(self, name, *arguments, wide=False):
+        """What a callback answers, and the error that it leaves pending."""
+        call = self.function(f"status{'64' if wide else ''}_and_error", OBJECT, *[POINTER] * 6)
+        words = [a if type(a) is int else id(a) for a in arguments]
+        return call(self.native.address(name), *words, *[0] * (5 - len(words)))
 
     # The managed side.
 
@@ -232,4 +244,7 @@ def variant(raw):
     return kind, value
 
 
-__all__ = [name for name in dir() if not name.startswith("__")]
+def shown(outcome):
+    """Status, kind and text of what `Scene.status` gives."""
+    status, error = outcome
+    return (status, None) if error is None else (status, type(error), str(error))

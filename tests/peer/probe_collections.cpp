@@ -8,8 +8,10 @@
 #include "collections/interop_wrappers.h"
 #include "collections/stream_read.h"
 #include "marshal/buffers.h"
+#include "marshal/exceptions.h"
 #include "shell/clr_host.h"
 #include "shell/identifiers.h"
+#include "shell/raised.h"
 
 namespace {
 
@@ -21,12 +23,53 @@ int start_wrapped_module(PyObject *root) {
     return publish_samples(root);
 }
 
+// Calls a callback and gives its result and the error that it left pending, as Python code that
+// calls it cannot see both.
+PyObject *status_and_error(std::int64_t (*callback)(void *, void *, void *, void *, void *),
+                           void *first, void *second, void *third, void *fourth, void *fifth) {
+    const std::int64_t status = callback(first, second, third, fourth, fifth);
+    Ref error = take_raised();
+    if (!error) error = Ref::borrow(Py_None);
+    return Py_BuildValue("(iN)", static_cast<int>(status), error.release());
+}
+PyObject *status64_and_error(std::int64_t (*callback)(void *, void *, void *, void *, void *),
+                             void *first, void *second, void *third, void *fourth, void *fifth) {
+    const std::int64_t status = callback(first, second, third, fourth, fifth);
+    Ref error = take_raised();
+    if (!error) error = Ref::borrow(Py_None);
+    return Py_BuildValue("(LN)", static_cast<long long>(status), error.release());
+}
+// What the managed side does when a callback has failed.
+int catch_after(std::int64_t (*callback)(PyObject *), PyObject *stream, PyObject **owner,
+                PyStringArg *text) {
+    callback(stream);
+    return fn_catch_and_clear_py_error(owner, text);
+}
+// A close with an error pending before.
+PyObject *close_with_pending(PyObject *stream, PyObject *type, PyObject *value) {
+    PyErr_SetObject(type, value);
+    fn_clbk_rawio_close(stream);
+    Ref error = take_raised();
+    return error ? error.release() : Ref::borrow(Py_None).release();
+}
+
 const ProbeRow module_rows[] = {
-    PROBE_ROW(start_wrapped_module),         PROBE_ROW(m_all_py_wrapper_callbacks),
-    PROBE_ROW(m_py_obj_api_callbacks),       PROBE_ROW(m_py_tpo_api_callbacks),
-    PROBE_ROW(get_all_py_wrapper_callbacks), PROBE_ROW(wrpPye_tyds_ArrayWrapper),
-    PROBE_ROW(wrpPye_tyds_StreamWrapper),    PROBE_ROW(wrpPye_tyds_IterableWrapper),
-    PROBE_ROW(fn_stream_read_bytes_impl),    PROBE_ROW(fn_stream_read_line_impl),
+    PROBE_ROW(status_and_error),
+    PROBE_ROW(status64_and_error),
+    PROBE_ROW(close_with_pending),
+    PROBE_ROW(catch_after),
+    PROBE_ROW(start_wrapped_module),
+    PROBE_ROW(m_all_py_wrapper_callbacks),
+    PROBE_ROW(m_py_obj_api_callbacks),
+    PROBE_ROW(m_py_tpo_api_callbacks),
+    PROBE_ROW(get_all_py_wrapper_callbacks),
+    PROBE_ROW(wrpPye_tyds_ArrayWrapper),
+    PROBE_ROW(wrpPye_tyds_StreamWrapper),
+    PROBE_ROW(wrpPye_tyds_IterableWrapper),
+    PROBE_ROW(wrpPye_bltp_iterable_iter),
+    PROBE_ROW(wrpPye_bltp_iter_iternext),
+    PROBE_ROW(fn_stream_read_bytes_impl),
+    PROBE_ROW(fn_stream_read_line_impl),
     PROBE_ROW(fn_create_shlbuffer_view),
 };
 const ProbeTable module_table(module_rows);
