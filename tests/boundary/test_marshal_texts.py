@@ -317,7 +317,7 @@ def test_a_path_in_bytes_is_decoded_as_the_system_does(path):
 
 
 @behaviour("marshal-scalars.path.other")
-@pytest.mark.parametrize("value", [5, 1.5, ["a"], object()], ids=repr)
+@pytest.mark.parametrize("value", [5, 1.5, ["a"], object()], ids=lambda value: type(value).__name__)
 def test_what_is_no_path_gets_the_decoders_words(value):
     decode = ctypes.PYFUNCTYPE(INT, OBJECT, POINTER)(("PyUnicode_FSDecoder", ctypes.pythonapi))
     with pytest.raises(TypeError) as caught:
