@@ -41,13 +41,10 @@ internal static class MergedAlpha
     {
         foreach (ref var pixel in pixels)
         {
-            var alpha = (int)((uint)pixel >> 24);
-            pixel = alpha << 24 | On(pixel >> 16, alpha) << 16 | On(pixel >> 8, alpha) << 8 | On(pixel, alpha);
+            pixel = ColorMath.OnWhite(pixel);
         }
     }
 
     private static int Off(int channel, int alpha) =>
         Math.Clamp((((channel & 255) - (255 - alpha)) * 255 + alpha / 2) / alpha, 0, 255);
-
-    private static int On(int channel, int alpha) => ((channel & 255) * alpha + 127) / 255 + 255 - alpha;
 }

@@ -18,7 +18,7 @@ internal static class PixelEdits
         {
             var alpha = (int)((uint)pixel >> 24);
             pixel = pixel & unchecked((int)0xFF000000)
-                | Scaled(pixel >> 16, alpha) << 16 | Scaled(pixel >> 8, alpha) << 8 | Scaled(pixel, alpha);
+                | ColorMath.Scaled(pixel >> 16, alpha) << 16 | ColorMath.Scaled(pixel >> 8, alpha) << 8 | ColorMath.Scaled(pixel, alpha);
         }
     }
 
@@ -54,6 +54,4 @@ internal static class PixelEdits
         }
         return true;
     }
-
-    private static int Scaled(int channel, int alpha) => ((channel & 255) * alpha + 127) / 255;
 }

@@ -102,14 +102,14 @@ internal sealed class PngRows(PngColorType type, int depth, int width, IColorPal
                     ((byte)(pixel >> 16), (byte)(pixel >> 8), (byte)pixel, (byte)(pixel >> 24));
                 break;
             case PngColorType.Truecolor:
-                pixel = OverWhite(pixel);
+                pixel = ColorMath.OnWhite(pixel);
                 (samples[0], samples[1], samples[2]) = ((byte)(pixel >> 16), (byte)(pixel >> 8), (byte)pixel);
                 break;
             case PngColorType.GrayscaleWithAlpha:
-                (samples[0], samples[1]) = (Luma(pixel), (byte)(pixel >> 24));
+                (samples[0], samples[1]) = (ColorMath.Luma(pixel), (byte)(pixel >> 24));
                 break;
             case PngColorType.Grayscale:
-                samples[0] = Luma(OverWhite(pixel));
+                samples[0] = ColorMath.Luma(ColorMath.OnWhite(pixel));
                 break;
             default:
                 samples[0] = IndexOf(pixel);
@@ -126,16 +126,4 @@ internal sealed class PngRows(PngColorType type, int depth, int width, IColorPal
         }
         return index;
     }
-
-    private static int OverWhite(int pixel)
-    {
-        var alpha = (int)((uint)pixel >> 24);
-        return alpha == 255 ? pixel : On(pixel >> 16, alpha) << 16 | On(pixel >> 8, alpha) << 8 | On(pixel, alpha);
-    }
-
-    private static int On(int channel, int alpha) => ((channel & 255) * alpha + 127) / 255 + 255 - alpha;
-
-    // Weights of ITU-R BT.601 in 65536ths.
-    private static byte Luma(int argb) =>
-        (byte)((19595 * (argb >> 16 & 255) + 38470 * (argb >> 8 & 255) + 7471 * (argb & 255) + 32768) >> 16);
 }

@@ -80,7 +80,7 @@ internal static class PixelReader
         for (var i = 0; i < pixels.Length; i++)
         {
             int key = rows[3][i];
-            pixels[i] = alpha[i] << 24 | Product(rows[0][i], key) << 16 | Product(rows[1][i], key) << 8 | Product(rows[2][i], key);
+            pixels[i] = alpha[i] << 24 | ColorMath.Scaled(rows[0][i], key) << 16 | ColorMath.Scaled(rows[1][i], key) << 8 | ColorMath.Scaled(rows[2][i], key);
         }
     }
 
@@ -99,6 +99,4 @@ internal static class PixelReader
             pixels[i] = indexes[i] < palette.Length ? palette[indexes[i]] : unchecked((int)0xFF000000);
         }
     }
-
-    private static int Product(int ink, int key) => (ink * key + 127) / 255;
 }

@@ -62,7 +62,7 @@ internal static class PixelWriter
             default:
                 for (var i = 0; i < row.Length; i++)
                 {
-                    row[i] = Luma(source[i]);
+                    row[i] = ColorMath.Luma(source[i]);
                 }
                 break;
         }
@@ -75,8 +75,4 @@ internal static class PixelWriter
             row[i] = (byte)(source[i] >> shift);
         }
     }
-
-    // Weights of ITU-R BT.601 in 65536ths.
-    private static byte Luma(int argb) =>
-        (byte)((19595 * (argb >> 16 & 255) + 38470 * (argb >> 8 & 255) + 7471 * (argb & 255) + 32768) >> 16);
 }
