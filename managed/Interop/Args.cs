@@ -18,9 +18,7 @@ internal static unsafe partial class Args
 
     /// <summary>A byte array of its own; null for None.</summary>
     public static byte[]? Bytes(PyBytesArg* argument) =>
-        argument->Length < 0
-            ? null
-            : new ReadOnlySpan<byte>(argument->Data, argument->Length).ToArray();
+        argument->Length < 0 ? null : Copy(argument);
 
     /// <summary>A struct argument, copied; None has no value and is refused.</summary>
     public static T Struct<T>(VariantArg* argument) where T : struct =>
@@ -166,7 +164,7 @@ internal static unsafe partial class Args
         try
         {
             Check(done);
-            return new ReadOnlySpan<byte>(block.Data, block.Length).ToArray();
+            return Copy(&block);
         }
         finally
         {
@@ -175,6 +173,14 @@ internal static unsafe partial class Args
                 PyApi.Buffer->Release(view);
             }
         }
+    }
+
+    // Without the zeros that a new array begins with: blocks are large.
+    private static byte[] Copy(PyBytesArg* block)
+    {
+        byte[] bytes = GC.AllocateUninitializedArray<byte>(block->Length);
+        new ReadOnlySpan<byte>(block->Data, block->Length).CopyTo(bytes);
+        return bytes;
     }
 
     private static void Check(int done)
