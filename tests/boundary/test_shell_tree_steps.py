@@ -346,8 +346,10 @@ def test_a_failing_step_ends_the_tree(in_process, call, text):
         first, second = seen["kept"][1], seen["again"][1]
         if call[1] in ("XmpArrayType", "__package__", "__path__", "schemas"):
             assert second == first and (first == 1 or call[1] == "XmpArrayType")
-        else:
+        elif first < 1 << 31:
             assert second == first + 1
+        else:  # static types are immortal from 3.12 on: nothing can be told by their counts
+            assert sys.version_info >= (3, 12) and second == first
     else:
         assert seen["leftover"] == []
     assert seen["version"] == "24.11.0.0"

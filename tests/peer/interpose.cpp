@@ -86,11 +86,15 @@ void raise(const std::string &message) {
     set(type, message.c_str());
 }
 
-// The count of references is the first word of an object, or the first half of it.
+// The count of references is the first word of an object, or the first half of it. An immortal
+// object, whose count is never touched, has the upper bit of that half set.
 void keep(const Registers &registers) {
     state().kept[0] = registers.integers[0];
     state().kept[1] = registers.integers[2];
-    for (const std::uint64_t object : state().kept) ++*reinterpret_cast<std::uint32_t *>(object);
+    for (const std::uint64_t object : state().kept) {
+        auto &count = *reinterpret_cast<std::int32_t *>(object);
+        if (count >= 0) ++count;
+    }
 }
 
 bool fails(const std::string &function, const char *text, Registers &registers) {
