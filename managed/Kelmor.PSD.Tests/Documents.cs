@@ -6,11 +6,16 @@ namespace Kelmor.PSD.Tests;
 
 internal static class Documents
 {
-    /// <summary>Same layers with the same fields and samples, same resources, same merged samples.</summary>
+    /// <summary>
+    /// Same layers with the same fields and samples, same resources, same merged samples.
+    /// </summary>
     public static void AssertSame(PsdImage expected, PsdImage found)
     {
         Assert.Equal(expected.Size, found.Size);
-        Assert.Equal(expected.ImageResources.Select(resource => resource.ID), found.ImageResources.Select(resource => resource.ID));
+        Assert.Equal(
+            expected.ImageResources.Select(resource => resource.ID),
+            found.ImageResources.Select(resource => resource.ID)
+        );
         Assert.Equal(expected.HasTransparencyData, found.HasTransparencyData);
         Assert.Equal(expected.Layers.Length, found.Layers.Length);
         foreach (var (left, right) in expected.Layers.Zip(found.Layers))
@@ -19,7 +24,9 @@ internal static class Documents
         }
         if (expected.File.Merged.IsPresent && Record.Exception(expected.File.Merged.Decode) is null)
         {
-            foreach (var (left, right) in expected.File.Merged.Decode().Zip(found.File.Merged.Decode()))
+            foreach (
+                var (left, right) in expected.File.Merged.Decode().Zip(found.File.Merged.Decode())
+            )
             {
                 Assert.True(left.AsSpan().SequenceEqual(right), "the merged image");
             }
@@ -30,17 +37,35 @@ internal static class Documents
     {
         Assert.Equal(expected.GetType(), found.GetType());
         Assert.Equal(expected.Name, found.Name);
-        Assert.Equal((expected.Left, expected.Top, expected.Right, expected.Bottom), (found.Left, found.Top, found.Right, found.Bottom));
-        Assert.Equal((expected.Opacity, expected.FillOpacity, expected.BlendModeKey), (found.Opacity, found.FillOpacity, found.BlendModeKey));
-        Assert.Equal((expected.Clipping, expected.Flags, expected.Filler), (found.Clipping, found.Flags, found.Filler));
+        Assert.Equal(
+            (expected.Left, expected.Top, expected.Right, expected.Bottom),
+            (found.Left, found.Top, found.Right, found.Bottom)
+        );
+        Assert.Equal(
+            (expected.Opacity, expected.FillOpacity, expected.BlendModeKey),
+            (found.Opacity, found.FillOpacity, found.BlendModeKey)
+        );
+        Assert.Equal(
+            (expected.Clipping, expected.Flags, expected.Filler),
+            (found.Clipping, found.Flags, found.Filler)
+        );
         Assert.Equal(expected.Record.Mask.ToArray(), found.Record.Mask.ToArray());
-        Assert.Equal(expected.Resources.Select(block => block.ToString()), found.Resources.Select(block => block.ToString()));
+        Assert.Equal(
+            expected.Resources.Select(block => block.ToString()),
+            found.Resources.Select(block => block.ToString())
+        );
         Assert.Equal(
             expected.ChannelInformation.Select(channel => channel.ChannelID),
-            found.ChannelInformation.Select(channel => channel.ChannelID));
-        foreach (var channel in expected.ChannelInformation.Where(channel => channel.Data.Method is >= 0))
+            found.ChannelInformation.Select(channel => channel.ChannelID)
+        );
+        foreach (
+            var channel in expected.ChannelInformation.Where(channel => channel.Data.Method is >= 0)
+        )
         {
-            var same = expected.DecodeChannel(channel.ChannelID).AsSpan().SequenceEqual(found.DecodeChannel(channel.ChannelID));
+            var same = expected
+                .DecodeChannel(channel.ChannelID)
+                .AsSpan()
+                .SequenceEqual(found.DecodeChannel(channel.ChannelID));
             Assert.True(same, $"{expected.Name}: channel {channel.ChannelID}");
         }
     }

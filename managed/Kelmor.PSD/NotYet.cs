@@ -7,11 +7,14 @@ namespace Kelmor.PSD;
 internal static class NotYet
 {
     /// <summary>The exception that names the calling type and member.</summary>
-    /// <remarks>Not inlined on either side of the call, so that the frame above is the member itself.</remarks>
+    /// <remarks>Not inlined on either side of the call, so that the frame above is the member
+    /// itself.</remarks>
     [MethodImpl(MethodImplOptions.NoInlining)]
     public static NotSupportedException Member([CallerMemberName] string member = "")
     {
         var type = new StackTrace(1, false).GetFrame(0)?.GetMethod()?.DeclaringType;
-        return new NotSupportedException($"'{type?.FullName ?? "Kelmor.PSD"}.{member}' is not supported yet.");
+        return new NotSupportedException(
+            $"'{type?.FullName ?? "Kelmor.PSD"}.{member}' is not supported yet."
+        );
     }
 }

@@ -13,7 +13,8 @@ internal static class NativeLibraryPath
     public static string? Path { get; } = Find();
 
     [ModuleInitializer]
-    internal static void Connect() => NativeLibrary.SetDllImportResolver(typeof(Image).Assembly, Resolve);
+    internal static void Connect() =>
+        NativeLibrary.SetDllImportResolver(typeof(Image).Assembly, Resolve);
 
     private static nint Resolve(string name, Assembly assembly, DllImportSearchPath? search) =>
         name == NativeImaging.Library && Path is not null ? NativeLibrary.Load(Path) : 0;
@@ -24,15 +25,32 @@ internal static class NativeLibraryPath
         {
             return named;
         }
-        for (var folder = new DirectoryInfo(AppContext.BaseDirectory); folder is not null; folder = folder.Parent)
+        for (
+            var folder = new DirectoryInfo(AppContext.BaseDirectory);
+            folder is not null;
+            folder = folder.Parent
+        )
         {
             var build = System.IO.Path.Combine(folder.FullName, "build");
-            if (Directory.Exists(System.IO.Path.Combine(folder.FullName, "managed")) && Directory.Exists(build))
+            if (
+                Directory.Exists(System.IO.Path.Combine(folder.FullName, "managed"))
+                && Directory.Exists(build)
+            )
             {
-                var parts = new[] { "package", "kelmor", "assemblies", "psd", NativeImaging.Library };
-                return Directory.GetDirectories(build).Where(one => System.IO.Path.GetFileName(one) != "asan")
+                var parts = new[]
+                {
+                    "package",
+                    "kelmor",
+                    "assemblies",
+                    "psd",
+                    NativeImaging.Library,
+                };
+                return Directory
+                    .GetDirectories(build)
+                    .Where(one => System.IO.Path.GetFileName(one) != "asan")
                     .Select(one => System.IO.Path.Combine([one, .. parts]))
-                    .Where(File.Exists).MaxBy(File.GetLastWriteTimeUtc);
+                    .Where(File.Exists)
+                    .MaxBy(File.GetLastWriteTimeUtc);
             }
         }
         return null;
@@ -42,18 +60,23 @@ internal static class NativeLibraryPath
 /// <summary>A fact that needs the native codecs; skipped where they are not built.</summary>
 public sealed class NativeFactAttribute : FactAttribute
 {
-    public NativeFactAttribute() => Skip = NativeLibraryPath.Path is null ? NativeLibraryPath.Absence : null;
+    public NativeFactAttribute() =>
+        Skip = NativeLibraryPath.Path is null ? NativeLibraryPath.Absence : null;
 }
 
 /// <summary>A theory that needs the native codecs; skipped where they are not built.</summary>
 public sealed class NativeTheoryAttribute : TheoryAttribute
 {
-    public NativeTheoryAttribute() => Skip = NativeLibraryPath.Path is null ? NativeLibraryPath.Absence : null;
+    public NativeTheoryAttribute() =>
+        Skip = NativeLibraryPath.Path is null ? NativeLibraryPath.Absence : null;
 }
 
 /// <summary>A theory over the corpus that needs the native codecs.</summary>
 public sealed class NativeCorpusTheoryAttribute : TheoryAttribute
 {
-    public NativeCorpusTheoryAttribute() => Skip = NativeLibraryPath.Path is null ? NativeLibraryPath.Absence
-        : Corpus.CorpusFiles.Folder is null ? Corpus.CorpusFiles.Absence : null;
+    public NativeCorpusTheoryAttribute() =>
+        Skip =
+            NativeLibraryPath.Path is null ? NativeLibraryPath.Absence
+            : Corpus.CorpusFiles.Folder is null ? Corpus.CorpusFiles.Absence
+            : null;
 }

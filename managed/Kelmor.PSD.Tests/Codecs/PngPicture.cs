@@ -21,7 +21,10 @@ internal sealed class PngPicture
             switch (type)
             {
                 case "IHDR":
-                    (Width, Height) = (BinaryPrimitives.ReadInt32BigEndian(data), BinaryPrimitives.ReadInt32BigEndian(data[4..]));
+                    (Width, Height) = (
+                        BinaryPrimitives.ReadInt32BigEndian(data),
+                        BinaryPrimitives.ReadInt32BigEndian(data[4..])
+                    );
                     (BitDepth, ColorType, IsInterlaced) = (data[8], data[9], data[12] != 0);
                     break;
                 case "PLTE":
@@ -62,7 +65,15 @@ internal sealed class PngPicture
     /// <summary>Samples of all rows without the filter bytes.</summary>
     public byte[] Rows { get; }
 
-    private int BitsPerPixel => BitDepth * ColorType switch { 2 => 3, 4 => 2, 6 => 4, _ => 1 };
+    private int BitsPerPixel =>
+        BitDepth
+        * ColorType switch
+        {
+            2 => 3,
+            4 => 2,
+            6 => 4,
+            _ => 1,
+        };
 
     private byte[] Unfilter(byte[] filtered)
     {
@@ -78,7 +89,14 @@ internal sealed class PngPicture
                 int left = x < step ? 0 : rows[y * rowBytes + x - step];
                 int up = y == 0 ? 0 : rows[(y - 1) * rowBytes + x];
                 int corner = x < step || y == 0 ? 0 : rows[(y - 1) * rowBytes + x - step];
-                var guess = filter switch { 0 => 0, 1 => left, 2 => up, 3 => (left + up) / 2, _ => Paeth(left, up, corner) };
+                var guess = filter switch
+                {
+                    0 => 0,
+                    1 => left,
+                    2 => up,
+                    3 => (left + up) / 2,
+                    _ => Paeth(left, up, corner),
+                };
                 rows[y * rowBytes + x] = (byte)(filtered[y * (rowBytes + 1) + 1 + x] + guess);
             }
         }
@@ -89,6 +107,8 @@ internal sealed class PngPicture
     {
         var guess = left + up - corner;
         var (a, b, c) = (Math.Abs(guess - left), Math.Abs(guess - up), Math.Abs(guess - corner));
-        return a <= b && a <= c ? left : b <= c ? up : corner;
+        return a <= b && a <= c ? left
+            : b <= c ? up
+            : corner;
     }
 }

@@ -3,7 +3,9 @@ using System.Text.Json;
 
 namespace Kelmor.PSD.Tests.Corpus;
 
-/// <summary>The documents beside the repository, with the truth about them from independent programs.</summary>
+/// <summary>
+/// The documents beside the repository, with the truth about them from independent programs.
+/// </summary>
 internal static class CorpusFiles
 {
     private static readonly Lazy<Dictionary<string, JsonElement>> Truths = new(ReadTruths);
@@ -22,22 +24,34 @@ internal static class CorpusFiles
     public static byte[] Bytes(string file) => File.ReadAllBytes(PathOf(file));
 
     public static bool MustLoad(string file) =>
-        !Truth(file).GetProperty("expect").GetString()!.StartsWith("damaged", StringComparison.Ordinal);
+        !Truth(file)
+            .GetProperty("expect")
+            .GetString()!
+            .StartsWith("damaged", StringComparison.Ordinal);
 
     private static Dictionary<string, JsonElement> ReadTruths()
     {
         using var stream = File.OpenRead(Path.Combine(Folder!, "truth.json"));
         var document = JsonDocument.Parse(stream);
-        return document.RootElement.GetProperty("files").EnumerateArray()
+        return document
+            .RootElement.GetProperty("files")
+            .EnumerateArray()
             .ToDictionary(row => row.GetProperty("file").GetString()!);
     }
 
     private static string? Find()
     {
-        for (var folder = new DirectoryInfo(AppContext.BaseDirectory); folder is not null; folder = folder.Parent)
+        for (
+            var folder = new DirectoryInfo(AppContext.BaseDirectory);
+            folder is not null;
+            folder = folder.Parent
+        )
         {
             var candidate = Path.Combine(folder.FullName, "..", "shared", "corpus");
-            if (Directory.Exists(Path.Combine(folder.FullName, "managed")) && File.Exists(Path.Combine(candidate, "truth.json")))
+            if (
+                Directory.Exists(Path.Combine(folder.FullName, "managed"))
+                && File.Exists(Path.Combine(candidate, "truth.json"))
+            )
             {
                 return Path.GetFullPath(candidate);
             }
@@ -51,7 +65,11 @@ public sealed class ReadableDocuments : TheoryData<string>
 {
     public ReadableDocuments()
     {
-        foreach (var file in CorpusFiles.Folder is null ? [] : CorpusFiles.All.Where(CorpusFiles.MustLoad))
+        foreach (
+            var file in CorpusFiles.Folder is null
+                ? []
+                : CorpusFiles.All.Where(CorpusFiles.MustLoad)
+        )
         {
             Add(file);
         }
@@ -63,7 +81,11 @@ public sealed class DamagedDocuments : TheoryData<string>
 {
     public DamagedDocuments()
     {
-        foreach (var file in CorpusFiles.Folder is null ? [] : CorpusFiles.All.Where(file => !CorpusFiles.MustLoad(file)))
+        foreach (
+            var file in CorpusFiles.Folder is null
+                ? []
+                : CorpusFiles.All.Where(file => !CorpusFiles.MustLoad(file))
+        )
         {
             Add(file);
         }

@@ -7,7 +7,9 @@ namespace Kelmor.PSD.Tests.Corpus;
 public class DamageTests
 {
     private const int LargestFile = 200_000;
-    private static readonly int Rounds = int.Parse(Environment.GetEnvironmentVariable("KELMOR_DAMAGE_ROUNDS") ?? "6");
+    private static readonly int Rounds = int.Parse(
+        Environment.GetEnvironmentVariable("KELMOR_DAMAGE_ROUNDS") ?? "6"
+    );
 
     [CorpusTheory]
     [ClassData(typeof(ReadableDocuments))]
@@ -44,13 +46,19 @@ public class DamageTests
     {
         try
         {
-            using var image = (PsdImage)Image.Load(new MemoryStream(bytes), new LoadOptions { DataRecoveryMode = recovery });
+            using var image = (PsdImage)
+                Image.Load(
+                    new MemoryStream(bytes),
+                    new LoadOptions { DataRecoveryMode = recovery }
+                );
             using var copy = new MemoryStream();
             image.Save(copy);
             Assert.NotEqual(0, copy.Length);
             image.Layers.ToList().ForEach(layer => Assert.NotNull(layer.Name));
             image.CacheData();
-            _ = image.LoadArgb32Pixels(new Rectangle(0, 0, Math.Min(image.Width, 64), Math.Min(image.Height, 64)));
+            _ = image.LoadArgb32Pixels(
+                new Rectangle(0, 0, Math.Min(image.Width, 64), Math.Min(image.Height, 64))
+            );
         }
         catch (FrameworkException failure)
         {

@@ -28,10 +28,15 @@ internal static class PixelBytes
         }
     }
 
-    /// <summary>Mean absolute difference of colours over white and of alpha, cell by cell.</summary>
+    /// <summary>
+    /// Mean absolute difference of colours over white and of alpha, cell by cell.
+    /// </summary>
     public static double GridDifference(JsonElement grid, byte[] rgba, Size size)
     {
-        var (columns, rows) = (grid.GetProperty("gw").GetInt32(), grid.GetProperty("gh").GetInt32());
+        var (columns, rows) = (
+            grid.GetProperty("gw").GetInt32(),
+            grid.GetProperty("gh").GetInt32()
+        );
         var colors = grid.GetProperty("rgb_over_white_b64").GetBytesFromBase64();
         var alphas = grid.GetProperty("alpha_b64").GetBytesFromBase64();
         var sum = 0.0;
@@ -51,13 +56,24 @@ internal static class PixelBytes
         return sum / (columns * rows * 4);
     }
 
-    private static double[] MeanOfCell(byte[] rgba, Size size, int columns, int rows, int column, int row)
+    private static double[] MeanOfCell(
+        byte[] rgba,
+        Size size,
+        int columns,
+        int rows,
+        int column,
+        int row
+    )
     {
         var mean = new double[4];
         var count = 0;
         for (var y = row * size.Height / rows; y < (row + 1) * size.Height / rows; y++)
         {
-            for (var x = column * size.Width / columns; x < (column + 1) * size.Width / columns; x++)
+            for (
+                var x = column * size.Width / columns;
+                x < (column + 1) * size.Width / columns;
+                x++
+            )
             {
                 var at = (y * size.Width + x) * 4;
                 var alpha = rgba[at + 3] / 255.0;

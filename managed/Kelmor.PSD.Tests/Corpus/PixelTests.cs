@@ -16,9 +16,21 @@ public class PixelTests
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
         var merged = CorpusFiles.Truth(file).GetProperty("merged");
         var references = References(merged).ToList();
-        var isReal = !CorpusFiles.Truth(file).GetProperty("expect").GetString()!.Contains("no real merged image", StringComparison.Ordinal);
-        var comparable = isReal && image.BitsPerChannel <= 8 && references.Count > 0
-            && image.ColorMode is ColorModes.Rgb or ColorModes.Grayscale or ColorModes.Bitmap or ColorModes.Indexed or ColorModes.Duotone;
+        var isReal = !CorpusFiles
+            .Truth(file)
+            .GetProperty("expect")
+            .GetString()!
+            .Contains("no real merged image", StringComparison.Ordinal);
+        var comparable =
+            isReal
+            && image.BitsPerChannel <= 8
+            && references.Count > 0
+            && image.ColorMode
+                is ColorModes.Rgb
+                    or ColorModes.Grayscale
+                    or ColorModes.Bitmap
+                    or ColorModes.Indexed
+                    or ColorModes.Duotone;
         if (!comparable)
         {
             return;
@@ -29,11 +41,17 @@ public class PixelTests
             // The references leave the transparent entry of a palette opaque.
             PixelBytes.MakeOpaque(rgba);
         }
-        if (references.Exists(reference => reference.GetProperty("rgba8_sha256").GetString() == ReadingTests.Hash(rgba)))
+        if (
+            references.Exists(reference =>
+                reference.GetProperty("rgba8_sha256").GetString() == ReadingTests.Hash(rgba)
+            )
+        )
         {
             return;
         }
-        var difference = references.Min(reference => PixelBytes.GridDifference(reference.GetProperty("grid"), rgba, image.Size));
+        var difference = references.Min(reference =>
+            PixelBytes.GridDifference(reference.GetProperty("grid"), rgba, image.Size)
+        );
         Assert.True(image.HasAlpha, $"opaque pixels differ by {difference}");
         Assert.InRange(difference, 0, LargestGridDifference);
     }
@@ -52,7 +70,9 @@ public class PixelTests
     private static IEnumerable<JsonElement> References(JsonElement merged) =>
         from name in (string[])["psd_tools_1_18_0", "psd_tools_1_9_24", "imagemagick_6_9_11"]
         let reference = merged.TryGetProperty(name, out var found) ? found : default
-        where reference.ValueKind == JsonValueKind.Object && reference.TryGetProperty("rgba8_sha256", out _)
+        where
+            reference.ValueKind == JsonValueKind.Object
+            && reference.TryGetProperty("rgba8_sha256", out _)
             && reference.GetProperty("grid").ValueKind == JsonValueKind.Object
         select reference;
 }

@@ -20,7 +20,10 @@ public class ReadingTests
         Assert.Equal(header.GetProperty("height").GetInt32(), image.Height);
         Assert.Equal(header.GetProperty("channels").GetInt32(), image.ChannelsCount);
         Assert.Equal(header.GetProperty("depth").GetInt32(), image.BitsPerChannel);
-        Assert.Equal(header.GetProperty("color_mode").GetString(), image.ColorMode.ToString().ToLowerInvariant());
+        Assert.Equal(
+            header.GetProperty("color_mode").GetString(),
+            image.ColorMode.ToString().ToLowerInvariant()
+        );
     }
 
     [CorpusTheory]
@@ -29,7 +32,10 @@ public class ReadingTests
     {
         var resolution = CorpusFiles.Truth(file).GetProperty("resolution");
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
-        if (resolution.ValueKind == JsonValueKind.Object && resolution.TryGetProperty("hres", out _))
+        if (
+            resolution.ValueKind == JsonValueKind.Object
+            && resolution.TryGetProperty("hres", out _)
+        )
         {
             Assert.Equal(resolution.GetProperty("hres").GetDouble(), image.HorizontalResolution, 3);
             Assert.Equal(resolution.GetProperty("vres").GetDouble(), image.VerticalResolution, 3);
@@ -44,9 +50,16 @@ public class ReadingTests
     [ClassData(typeof(ReadableDocuments))]
     public void The_resources_equal_the_truth(string file)
     {
-        var ids = CorpusFiles.Truth(file).GetProperty("image_resource_ids").EnumerateArray().Select(id => id.GetInt32());
+        var ids = CorpusFiles
+            .Truth(file)
+            .GetProperty("image_resource_ids")
+            .EnumerateArray()
+            .Select(id => id.GetInt32());
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
-        Assert.Equal(ids.Order(), image.ImageResources.Select(resource => (int)(ushort)resource.ID).Distinct().Order());
+        Assert.Equal(
+            ids.Order(),
+            image.ImageResources.Select(resource => (int)(ushort)resource.ID).Distinct().Order()
+        );
     }
 
     [CorpusTheory]
@@ -60,11 +73,16 @@ public class ReadingTests
             Assert.Empty(image.Layers);
             return;
         }
-        if (truth.GetProperty("layer_records_in_file") is { ValueKind: JsonValueKind.Number } records)
+        if (
+            truth.GetProperty("layer_records_in_file") is
+            { ValueKind: JsonValueKind.Number } records
+        )
         {
             Assert.Equal(records.GetInt32(), image.Layers.Length);
         }
-        var roots = image.Layers.Where(layer => layer is { Parent: null } and not SectionDividerLayer).ToArray();
+        var roots = image
+            .Layers.Where(layer => layer is { Parent: null } and not SectionDividerLayer)
+            .ToArray();
         TreeComparison.Equal(layers, roots, groupIsVisible: true);
     }
 
@@ -75,7 +93,9 @@ public class ReadingTests
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
         if (CorpusFiles.Truth(file).TryGetProperty("layers", out var layers))
         {
-            var roots = image.Layers.Where(layer => layer is { Parent: null } and not SectionDividerLayer).ToArray();
+            var roots = image
+                .Layers.Where(layer => layer is { Parent: null } and not SectionDividerLayer)
+                .ToArray();
             TreeComparison.SamplesEqual(layers, roots);
         }
     }
@@ -87,8 +107,13 @@ public class ReadingTests
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
         var merged = CorpusFiles.Truth(file).GetProperty("merged");
         // Where a reference could not unpack the samples, the pixels are compared instead.
-        if (merged.GetProperty("channel_raw_sha256") is { ValueKind: JsonValueKind.Array } hashes
-            && !CorpusFiles.Truth(file).GetProperty("reference_errors").TryGetProperty("psd_tools_1_9_24.merged_raw_error", out _))
+        if (
+            merged.GetProperty("channel_raw_sha256") is { ValueKind: JsonValueKind.Array } hashes
+            && !CorpusFiles
+                .Truth(file)
+                .GetProperty("reference_errors")
+                .TryGetProperty("psd_tools_1_9_24.merged_raw_error", out _)
+        )
         {
             var found = image.File.Merged.Decode().Select(Hash);
             Assert.Equal(hashes.EnumerateArray().Select(hash => hash.GetString()), found);
@@ -103,9 +128,16 @@ public class ReadingTests
         {
             try
             {
-                using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file), new LoadOptions { DataRecoveryMode = recovery });
+                using var image = (PsdImage)
+                    Image.Load(
+                        CorpusFiles.PathOf(file),
+                        new LoadOptions { DataRecoveryMode = recovery }
+                    );
                 image.CacheData();
-                Assert.Equal(image.Width * image.Height, image.LoadArgb32Pixels(image.Bounds).Length);
+                Assert.Equal(
+                    image.Width * image.Height,
+                    image.LoadArgb32Pixels(image.Bounds).Length
+                );
             }
             catch (FrameworkException failure)
             {

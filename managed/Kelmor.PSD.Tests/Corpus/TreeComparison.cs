@@ -10,15 +10,30 @@ internal static class TreeComparison
     // What a kind of the truth is here.
     private static readonly Dictionary<string, string> Kinds = new()
     {
-        ["group"] = "LayerGroup", ["artboard"] = "ArtboardLayer", ["pixel"] = "Layer", ["type"] = "TextLayer",
-        ["shape"] = "ShapeLayer", ["smartobject"] = "SmartObjectLayer", ["solidcolorfill"] = "FillLayer",
-        ["gradientfill"] = "FillLayer", ["patternfill"] = "FillLayer", ["posterize"] = "PosterizeLayer",
-        ["brightnesscontrast"] = "BrightnessContrastLayer", ["threshold"] = "ThresholdLayer",
-        ["invert"] = "InvertAdjustmentLayer", ["levels"] = "LevelsLayer", ["curves"] = "CurvesLayer",
-        ["gradientmap"] = "GradientMapLayer", ["huesaturation"] = "HueSaturationLayer", ["exposure"] = "ExposureLayer",
-        ["colorbalance"] = "ColorBalanceAdjustmentLayer", ["vibrance"] = "VibranceLayer",
-        ["blackandwhite"] = "BlackWhiteAdjustmentLayer", ["photofilter"] = "PhotoFilterLayer",
-        ["channelmixer"] = "RgbChannelMixerLayer", ["colorlookup"] = "AdjustmentLayer",
+        ["group"] = "LayerGroup",
+        ["artboard"] = "ArtboardLayer",
+        ["pixel"] = "Layer",
+        ["type"] = "TextLayer",
+        ["shape"] = "ShapeLayer",
+        ["smartobject"] = "SmartObjectLayer",
+        ["solidcolorfill"] = "FillLayer",
+        ["gradientfill"] = "FillLayer",
+        ["patternfill"] = "FillLayer",
+        ["posterize"] = "PosterizeLayer",
+        ["brightnesscontrast"] = "BrightnessContrastLayer",
+        ["threshold"] = "ThresholdLayer",
+        ["invert"] = "InvertAdjustmentLayer",
+        ["levels"] = "LevelsLayer",
+        ["curves"] = "CurvesLayer",
+        ["gradientmap"] = "GradientMapLayer",
+        ["huesaturation"] = "HueSaturationLayer",
+        ["exposure"] = "ExposureLayer",
+        ["colorbalance"] = "ColorBalanceAdjustmentLayer",
+        ["vibrance"] = "VibranceLayer",
+        ["blackandwhite"] = "BlackWhiteAdjustmentLayer",
+        ["photofilter"] = "PhotoFilterLayer",
+        ["channelmixer"] = "RgbChannelMixerLayer",
+        ["colorlookup"] = "AdjustmentLayer",
         ["selectivecolor"] = "SelectiveColorLayer",
     };
 
@@ -48,7 +63,10 @@ internal static class TreeComparison
                 foreach (var hash in hashes.EnumerateObject())
                 {
                     var samples = layer.DecodeChannel(short.Parse(hash.Name));
-                    Assert.True(hash.Value.GetString() == ReadingTests.Hash(samples!), $"{layer.Name}: channel {hash.Name}");
+                    Assert.True(
+                        hash.Value.GetString() == ReadingTests.Hash(samples!),
+                        $"{layer.Name}: channel {hash.Name}"
+                    );
                 }
             }
             if (truth.TryGetProperty("children", out var children))
@@ -71,12 +89,21 @@ internal static class TreeComparison
             Assert.Equal((BlendMode)FileFormats.Psd.TaggedBlocks.Code(key), layer.BlendModeKey);
         }
         Assert.Equal(truth.GetProperty("clipping").GetBoolean(), layer.Clipping != 0);
-        var rectangle = truth.GetProperty("rec_rect").EnumerateArray().Select(edge => edge.GetInt32());
+        var rectangle = truth
+            .GetProperty("rec_rect")
+            .EnumerateArray()
+            .Select(edge => edge.GetInt32());
         Assert.Equal(rectangle, [layer.Left, layer.Top, layer.Right, layer.Bottom]);
         var channels = truth.GetProperty("channels").EnumerateArray().Select(id => id.GetInt32());
         Assert.Equal(channels, layer.ChannelInformation.Select(channel => (int)channel.ChannelID));
-        var blocks = truth.GetProperty("blocks").EnumerateArray().Select(block => block.GetString());
-        Assert.Equal(blocks.Order(), layer.Resources.Select(block => block.ToString()).Distinct().Order());
+        var blocks = truth
+            .GetProperty("blocks")
+            .EnumerateArray()
+            .Select(block => block.GetString());
+        Assert.Equal(
+            blocks.Order(),
+            layer.Resources.Select(block => block.ToString()).Distinct().Order()
+        );
         if (layer is TextLayer text && truth.TryGetProperty("text", out var words))
         {
             Assert.Equal(words.GetString(), text.Text);

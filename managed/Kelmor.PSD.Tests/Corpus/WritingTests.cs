@@ -26,7 +26,9 @@ public class WritingTests
     public void The_layer_section_made_anew_is_the_one_that_was_read(string file)
     {
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
-        var anew = LayerSectionWriter.Build(image.File, image.File.Header.IsBig, null, false).ToArray();
+        var anew = LayerSectionWriter
+            .Build(image.File, image.File.Header.IsBig, null, false)
+            .ToArray();
         Assert.Equal(image.File.Layers.Raw.ToArray(), anew);
     }
 
@@ -62,11 +64,16 @@ public class WritingTests
     {
         using var image = (PsdImage)Image.Load(CorpusFiles.PathOf(file));
         var options = (PsdOptions)image.GetOriginalOptions();
-        options.CompressionMethod = image.Compression == CompressionMethod.Rle ? CompressionMethod.Raw : CompressionMethod.Rle;
+        options.CompressionMethod =
+            image.Compression == CompressionMethod.Rle
+                ? CompressionMethod.Raw
+                : CompressionMethod.Rle;
         if (Record.Exception(image.File.Merged.Decode) is CoreExceptions.FrameworkException)
         {
             // Samples that cannot be unpacked cannot be packed in another way.
-            Assert.Throws<CoreExceptions.ImageFormats.PsdImageException>(() => Saved(image, options));
+            Assert.Throws<CoreExceptions.ImageFormats.PsdImageException>(() =>
+                Saved(image, options)
+            );
             return;
         }
         using var other = Saved(image, options);

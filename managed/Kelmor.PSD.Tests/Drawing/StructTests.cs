@@ -29,7 +29,10 @@ public class StructTests
         Assert.Equal(new Point(ceiling, ceiling), Point.Ceiling(new PointF(value, value)));
         Assert.Equal(new Point(rounded, rounded), Point.Round(new PointF(value, value)));
         Assert.Equal(new Size(cut, cut), Size.Truncate(new SizeF(value, value)));
-        Assert.Equal(new Rectangle(rounded, rounded, rounded, rounded), Rectangle.Round(new RectangleF(value, value, value, value)));
+        Assert.Equal(
+            new Rectangle(rounded, rounded, rounded, rounded),
+            Rectangle.Round(new RectangleF(value, value, value, value))
+        );
     }
 
     [Fact]
@@ -57,8 +60,14 @@ public class StructTests
         rectangle = new Rectangle(5, 5, -3, -2);
         rectangle.Normalize();
         Assert.Equal(new Rectangle(2, 3, 3, 2), rectangle);
-        Assert.Equal(new Rectangle(2, 3, 3, 2), Rectangle.FromPoints(new Point(5, 3), new Point(2, 5)));
-        Assert.Equal((2, 3, 5, 5), (rectangle.Left, rectangle.Top, rectangle.Right, rectangle.Bottom));
+        Assert.Equal(
+            new Rectangle(2, 3, 3, 2),
+            Rectangle.FromPoints(new Point(5, 3), new Point(2, 5))
+        );
+        Assert.Equal(
+            (2, 3, 5, 5),
+            (rectangle.Left, rectangle.Top, rectangle.Right, rectangle.Bottom)
+        );
         rectangle.Left = 0;
         Assert.Equal(new Rectangle(0, 3, 5, 2), rectangle);
     }
@@ -89,7 +98,14 @@ public class StructTests
     [InlineData(255, 0, 128, 329.88, 1, 0.5)]
     [InlineData(128, 128, 128, 0, 0, 0.502)]
     [InlineData(200, 220, 240, 210, 0.571, 0.863)]
-    public void Colours_have_hue_saturation_and_brightness(int red, int green, int blue, double hue, double saturation, double brightness)
+    public void Colours_have_hue_saturation_and_brightness(
+        int red,
+        int green,
+        int blue,
+        double hue,
+        double saturation,
+        double brightness
+    )
     {
         var color = Color.FromArgb(red, green, blue);
         Assert.Equal(hue, color.GetHue(), 2);
@@ -102,7 +118,15 @@ public class StructTests
     [InlineData(0, 0, 0, 0, 0, 0, 255)]
     [InlineData(255, 0, 0, 0, 255, 255, 0)]
     [InlineData(0, 128, 128, 255, 0, 0, 127)]
-    public void Colours_become_ink_and_come_back(int red, int green, int blue, int cyan, int magenta, int yellow, int black)
+    public void Colours_become_ink_and_come_back(
+        int red,
+        int green,
+        int blue,
+        int cyan,
+        int magenta,
+        int yellow,
+        int black
+    )
     {
         var ink = Color.FromArgb(red, green, blue).ToCmyk();
         Assert.Equal((cyan, magenta, yellow, black), (ink.C, ink.M, ink.Y, ink.K));

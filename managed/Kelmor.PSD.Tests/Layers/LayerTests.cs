@@ -38,7 +38,12 @@ public class LayerTests
         var layer = image.Layers[0];
         (layer.Opacity, layer.FillOpacity, layer.BlendModeKey) = (100, 50, BlendMode.Multiply);
         (layer.IsVisible, layer.Clipping, layer.Left, layer.Top) = (false, 1, -3, 7);
-        layer.SheetColorHighlight = FileFormats.Psd.Layers.LayerResources.SheetColorHighlightEnum.Violet;
+        layer.SheetColorHighlight = FileFormats
+            .Psd
+            .Layers
+            .LayerResources
+            .SheetColorHighlightEnum
+            .Violet;
         layer.LayerLock = FileFormats.Psd.Layers.LayerResources.LayerLockType.LockPosition;
         layer.BlendClippedElements = false;
         using var again = Again(image);
@@ -47,7 +52,15 @@ public class LayerTests
         Assert.False(again.Layers[0].BlendClippedElements);
         Assert.Equal(layer.SheetColorHighlight, again.Layers[0].SheetColorHighlight);
         Assert.Equal(layer.LayerLock, again.Layers[0].LayerLock);
-        Assert.Equal((-3, 7, 1, 10), (again.Layers[0].Left, again.Layers[0].Top, again.Layers[0].Right, again.Layers[0].Bottom));
+        Assert.Equal(
+            (-3, 7, 1, 10),
+            (
+                again.Layers[0].Left,
+                again.Layers[0].Top,
+                again.Layers[0].Right,
+                again.Layers[0].Bottom
+            )
+        );
     }
 
     [Theory]
@@ -80,7 +93,9 @@ public class LayerTests
     {
         using var image = new PsdImage(5, 4, mode, depth, CompressionMethod.Rle);
         var gray = unchecked((int)0xFF808080);
-        image.AddRegularLayer().SaveArgb32Pixels(new Rectangle(1, 1, 2, 2), [gray, gray, gray, gray]);
+        image
+            .AddRegularLayer()
+            .SaveArgb32Pixels(new Rectangle(1, 1, 2, 2), [gray, gray, gray, gray]);
         using var again = Again(image);
         Assert.Equal((mode, depth), (again.ColorMode, (short)again.BitsPerChannel));
         Assert.Equal(gray, again.Layers[0].GetArgb32Pixel(2, 2));
@@ -100,10 +115,14 @@ public class LayerTests
         using var again = Again(image);
         Assert.Equal(
             ["Layer 1", "</Layer group>", "</Layer group>", "deep", "inner", "above", "outer"],
-            again.Layers.Select(layer => layer.Name));
+            again.Layers.Select(layer => layer.Name)
+        );
         var group = Assert.IsType<LayerGroup>(again.Layers[^1]);
         Assert.Equal(["inner", "above"], group.Layers.Select(layer => layer.Name));
-        Assert.Equal(["deep"], Assert.IsType<LayerGroup>(group.Layers[0]).Layers.Select(layer => layer.Name));
+        Assert.Equal(
+            ["deep"],
+            Assert.IsType<LayerGroup>(group.Layers[0]).Layers.Select(layer => layer.Name)
+        );
         Assert.Equal(BlendMode.PassThrough, group.BlendModeKey);
         Assert.True(group.IsOpen);
     }
@@ -141,7 +160,10 @@ public class LayerTests
         group.AddLayer(new Layer { Name = "a" });
         group.AddLayer(new Layer { Name = "b" });
         group.Layers = [group.Layers[1], new Layer { Name = "c" }];
-        Assert.Equal(["Layer 1", "</Layer group>", "b", "c", "group"], image.Layers.Select(layer => layer.Name));
+        Assert.Equal(
+            ["Layer 1", "</Layer group>", "b", "c", "group"],
+            image.Layers.Select(layer => layer.Name)
+        );
     }
 
     [Fact]
@@ -164,10 +186,21 @@ public class LayerTests
     [Fact]
     public void A_layer_is_made_from_its_channels()
     {
-        using var layer = new Layer(new Rectangle(2, 3, 2, 1), [10, 20], [30, 40], [50, 60], "made");
-        Assert.Equal([unchecked((int)0xFF0A1E32), unchecked((int)0xFF14283C)], layer.LoadArgb32Pixels(layer.Bounds));
+        using var layer = new Layer(
+            new Rectangle(2, 3, 2, 1),
+            [10, 20],
+            [30, 40],
+            [50, 60],
+            "made"
+        );
+        Assert.Equal(
+            [unchecked((int)0xFF0A1E32), unchecked((int)0xFF14283C)],
+            layer.LoadArgb32Pixels(layer.Bounds)
+        );
         Assert.False(layer.HasAlpha);
-        Assert.Throws<ArgumentException>(() => new Layer(new Rectangle(0, 0, 2, 2), [1], [1], [1], "short"));
+        Assert.Throws<ArgumentException>(() =>
+            new Layer(new Rectangle(0, 0, 2, 2), [1], [1], [1], "short")
+        );
     }
 
     [Fact]
@@ -178,7 +211,9 @@ public class LayerTests
         image.Dispose();
         Assert.True(image.Disposed);
         Assert.Throws<ObjectDisposedException>(() => image.Save(Stream.Null));
-        Assert.Throws<ObjectDisposedException>(() => image.LoadArgb32Pixels(new Rectangle(0, 0, 1, 1)));
+        Assert.Throws<ObjectDisposedException>(() =>
+            image.LoadArgb32Pixels(new Rectangle(0, 0, 1, 1))
+        );
     }
 
     private static PsdImage Made()

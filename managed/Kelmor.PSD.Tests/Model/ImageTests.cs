@@ -15,10 +15,12 @@ public class ImageTests
         using var image = new PsdImage(1, 1);
         Assert.Equal(
             "'Kelmor.PSD.FileFormats.Psd.PsdImage.FlattenImage' is not supported yet.",
-            Assert.Throws<NotSupportedException>(image.FlattenImage).Message);
+            Assert.Throws<NotSupportedException>(image.FlattenImage).Message
+        );
         Assert.Equal(
             "'Kelmor.PSD.FileFormats.Psd.PsdImage.Timeline' is not supported yet.",
-            Assert.Throws<NotSupportedException>(() => image.Timeline).Message);
+            Assert.Throws<NotSupportedException>(() => image.Timeline).Message
+        );
     }
 
     [Fact]
@@ -26,8 +28,12 @@ public class ImageTests
     {
         using var image = new PsdImage(4, 3);
         Assert.Throws<ArgumentOutOfRangeException>(() => image.GetPixel(4, 0));
-        Assert.Throws<ArgumentOutOfRangeException>(() => image.LoadArgb32Pixels(new Rectangle(1, 1, int.MaxValue, 1)));
-        Assert.Throws<ArgumentOutOfRangeException>(() => image.LoadArgb32Pixels(new Rectangle(-1, 0, 1, 1)));
+        Assert.Throws<ArgumentOutOfRangeException>(() =>
+            image.LoadArgb32Pixels(new Rectangle(1, 1, int.MaxValue, 1))
+        );
+        Assert.Throws<ArgumentOutOfRangeException>(() =>
+            image.LoadArgb32Pixels(new Rectangle(-1, 0, 1, 1))
+        );
         var layer = image.AddRegularLayer();
         Assert.Throws<ArgumentException>(() => layer.SaveArgb32Pixels(layer.Bounds, new int[11]));
     }
@@ -39,7 +45,9 @@ public class ImageTests
     [InlineData(300_001, 1)]
     public void A_document_without_area_or_beyond_the_format_is_not_made(int width, int height)
     {
-        Assert.Throws<CoreExceptions.ImageFormats.PsdImageException>(() => new PsdImage(width, height));
+        Assert.Throws<CoreExceptions.ImageFormats.PsdImageException>(() =>
+            new PsdImage(width, height)
+        );
     }
 
     [Fact]
@@ -56,7 +64,10 @@ public class ImageTests
     {
         using var image = new PsdImage(2, 1);
         var lower = image.AddRegularLayer();
-        lower.SaveArgb32Pixels(lower.Bounds, [unchecked((int)0xFF0000FF), unchecked((int)0xFF0000FF)]);
+        lower.SaveArgb32Pixels(
+            lower.Bounds,
+            [unchecked((int)0xFF0000FF), unchecked((int)0xFF0000FF)]
+        );
         var upper = image.AddRegularLayer();
         upper.SetPixel(0, 0, Color.Red);
         Assert.Equal(unchecked((int)0xFFFF0000), image.GetArgb32Pixel(0, 0));
@@ -64,7 +75,11 @@ public class ImageTests
         Assert.Equal(unchecked((int)0xFF80007F), image.GetArgb32Pixel(0, 0));
         upper.IsVisible = false;
         Assert.Equal(unchecked((int)0xFF0000FF), image.GetArgb32Pixel(0, 0));
-        (upper.IsVisible, upper.Opacity, upper.BlendModeKey) = (true, 255, FileFormats.Core.Blending.BlendMode.LinearDodge);
+        (upper.IsVisible, upper.Opacity, upper.BlendModeKey) = (
+            true,
+            255,
+            FileFormats.Core.Blending.BlendMode.LinearDodge
+        );
         Assert.Equal(unchecked((int)0xFFFF00FF), image.GetArgb32Pixel(0, 0));
     }
 
@@ -87,7 +102,13 @@ public class ImageTests
         var group = image.AddLayerGroup("group", 0, true);
         foreach (var color in (Color[])[Color.Red, Color.Lime])
         {
-            var layer = new Layer(new Rectangle(0, 0, 1, 1), [color.R], [color.G], [color.B], "one");
+            var layer = new Layer(
+                new Rectangle(0, 0, 1, 1),
+                [color.R],
+                [color.G],
+                [color.B],
+                "one"
+            );
             group.AddLayer(layer);
         }
         group.Opacity = 51;
@@ -102,7 +123,9 @@ public class ImageTests
         using var image = new PsdImage(2, 2);
         image.InterruptMonitor = new InterruptMonitor();
         image.InterruptMonitor.Interrupt();
-        Assert.Throws<CoreExceptions.OperationInterruptedException>(() => image.Save(Stream.Null, new PngOptions()));
+        Assert.Throws<CoreExceptions.OperationInterruptedException>(() =>
+            image.Save(Stream.Null, new PngOptions())
+        );
     }
 
     [Fact]
@@ -112,28 +135,45 @@ public class ImageTests
         var layer = new Layer(new Rectangle(1, 1, 1, 1), [255], [0], [0], "red");
         image.AddLayer(layer);
         using var stamp = new PsdImage(2, 1);
-        stamp.AddRegularLayer().SavePixels(stamp.Bounds, [Color.FromArgb(128, 0, 0, 255), Color.Blue]);
+        stamp
+            .AddRegularLayer()
+            .SavePixels(stamp.Bounds, [Color.FromArgb(128, 0, 0, 255), Color.Blue]);
         layer.DrawImage(new Point(0, 0), stamp);
-        Assert.Equal(new Rectangle(1, 1, 2, 1), new Rectangle(layer.Left, layer.Top, layer.Width, layer.Height));
-        Assert.Equal([unchecked((int)0xFF7F0080), Color.Blue.ToArgb()], layer.LoadArgb32Pixels(layer.Bounds));
+        Assert.Equal(
+            new Rectangle(1, 1, 2, 1),
+            new Rectangle(layer.Left, layer.Top, layer.Width, layer.Height)
+        );
+        Assert.Equal(
+            [unchecked((int)0xFF7F0080), Color.Blue.ToArgb()],
+            layer.LoadArgb32Pixels(layer.Bounds)
+        );
     }
 
     [Fact]
     public void Documents_are_created_by_options()
     {
-        var options = new PsdOptions { BackgroundContents = Color.Lime, ResolutionSettings = new ResolutionSetting(300, 150) };
+        var options = new PsdOptions
+        {
+            BackgroundContents = Color.Lime,
+            ResolutionSettings = new ResolutionSetting(300, 150),
+        };
         using var image = Image.Create(options, 3, 2);
         var document = Assert.IsType<PsdImage>(image);
         Assert.Equal("Background", Assert.Single(document.Layers).Name);
         Assert.Equal((300, 150), (document.HorizontalResolution, document.VerticalResolution));
         Assert.Equal(Color.Lime.ToArgb(), document.GetArgb32Pixel(2, 1));
-        Assert.Throws<CoreExceptions.ImageCreateException>(() => Image.Create(new PngOptions(), 3, 2));
+        Assert.Throws<CoreExceptions.ImageCreateException>(() =>
+            Image.Create(new PngOptions(), 3, 2)
+        );
     }
 
     [Fact]
     public void Xmp_instructions_are_as_the_specification_has_them()
     {
-        Assert.Equal("<?xpacket begin=\"\uFEFF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>", new XmpHeaderPi().GetXmlValue());
+        Assert.Equal(
+            "<?xpacket begin=\"\uFEFF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>",
+            new XmpHeaderPi().GetXmlValue()
+        );
         Assert.True(new XmpHeaderPi("a").Equals(new XmpHeaderPi("a")));
         Assert.False(new XmpHeaderPi("a").Equals(new XmpHeaderPi("b")));
         Assert.False(new XmpHeaderPi().Equals(null));
@@ -152,7 +192,10 @@ public class ImageTests
         image.Save(stream);
         stream.Position = 0;
         using var again = (PsdImage)Image.Load(stream);
-        Assert.Equal((299.5, 600, -45), (again.HorizontalResolution, again.VerticalResolution, again.GlobalAngle));
+        Assert.Equal(
+            (299.5, 600, -45),
+            (again.HorizontalResolution, again.VerticalResolution, again.GlobalAngle)
+        );
         Assert.Equal(image.XmpData!.GetXmlValue(), again.XmpData!.GetXmlValue());
         Assert.Equal(Profile(), ((MemoryStream)again.RgbColorProfile!.Stream).ToArray());
         Assert.Null(again.CmykColorProfile);

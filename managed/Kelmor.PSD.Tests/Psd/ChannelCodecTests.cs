@@ -1,4 +1,4 @@
-// Channels come back from every packing, and sizes that data cannot hold are refused before memory is taken.
+// Channels come back from every packing; sizes that data cannot hold are refused at once.
 using Kelmor.PSD.CoreExceptions;
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 using Kelmor.PSD.FileFormats.Psd;
@@ -27,9 +27,15 @@ public class ChannelCodecTests
     public void Channels_come_back(CompressionMethod method, int depth, bool isBig)
     {
         var layout = new PlaneLayout(37, 11, depth);
-        var planes = Enumerable.Range(1, 3).Select(seed => Noise(layout.ArrayLength, seed)).ToArray();
+        var planes = Enumerable
+            .Range(1, 3)
+            .Select(seed => Noise(layout.ArrayLength, seed))
+            .ToArray();
         var packed = ChannelCodec.Pack(method, planes, layout, isBig);
-        Assert.Equal(planes, ChannelCodec.Unpack(method, packed, layout, 3, isBig, DataRecoveryMode.None));
+        Assert.Equal(
+            planes,
+            ChannelCodec.Unpack(method, packed, layout, 3, isBig, DataRecoveryMode.None)
+        );
     }
 
     [Theory]
@@ -37,13 +43,17 @@ public class ChannelCodecTests
     [InlineData(CompressionMethod.Rle)]
     [InlineData(CompressionMethod.ZipWithoutPrediction)]
     [InlineData(CompressionMethod.ZipWithPrediction)]
-    public void A_size_that_the_data_cannot_hold_is_refused_before_memory_is_taken(CompressionMethod method)
+    public void A_size_that_the_data_cannot_hold_is_refused_before_memory_is_taken(
+        CompressionMethod method
+    )
     {
         var layout = new PlaneLayout(300_000, 300_000, 32);
         var before = GC.GetAllocatedBytesForCurrentThread();
         foreach (var recovery in Enum.GetValues<DataRecoveryMode>())
         {
-            Assert.Throws<PsdImageException>(() => ChannelCodec.Unpack(method, new byte[2000], layout, 4, true, recovery));
+            Assert.Throws<PsdImageException>(() =>
+                ChannelCodec.Unpack(method, new byte[2000], layout, 4, true, recovery)
+            );
         }
         Assert.InRange(GC.GetAllocatedBytesForCurrentThread() - before, 0, 1 << 20);
     }
@@ -58,8 +68,17 @@ public class ChannelCodecTests
         byte[][] planes = [Noise(layout.ArrayLength, 5)];
         var packed = ChannelCodec.Pack(method, planes, layout, false);
         var half = packed.AsMemory(0, packed.Length / 2);
-        Assert.ThrowsAny<FrameworkException>(() => ChannelCodec.Unpack(method, half, layout, 1, false, DataRecoveryMode.None));
-        var recovered = ChannelCodec.Unpack(method, half, layout, 1, false, DataRecoveryMode.MaximalRecover)[0];
+        Assert.ThrowsAny<FrameworkException>(() =>
+            ChannelCodec.Unpack(method, half, layout, 1, false, DataRecoveryMode.None)
+        );
+        var recovered = ChannelCodec.Unpack(
+            method,
+            half,
+            layout,
+            1,
+            false,
+            DataRecoveryMode.MaximalRecover
+        )[0];
         Assert.Equal(planes[0][..200], recovered[..200]);
         Assert.Equal(0, recovered[^1]);
     }
@@ -81,7 +100,10 @@ public class ChannelCodecTests
         var bytes = new byte[length];
         for (var i = 0; i < length; i++)
         {
-            bytes[i] = random.Next(3) == 0 ? (byte)random.Next(256) : i == 0 ? (byte)1 : bytes[i - 1];
+            bytes[i] =
+                random.Next(3) == 0 ? (byte)random.Next(256)
+                : i == 0 ? (byte)1
+                : bytes[i - 1];
         }
         bytes[^1] = 77;
         return bytes;

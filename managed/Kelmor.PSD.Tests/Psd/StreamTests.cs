@@ -80,10 +80,17 @@ public class StreamTests
     {
         Assert.Throws<FileNotFoundException>(() => Image.Load("nowhere.psd"));
         Assert.False(Image.CanLoad("nowhere.psd"));
-        var failure = Assert.Throws<ImageLoadException>(() => Image.Load(new MemoryStream([1, 2, 3])));
+        var failure = Assert.Throws<ImageLoadException>(() =>
+            Image.Load(new MemoryStream([1, 2, 3]))
+        );
         Assert.Equal("The stream cannot be loaded: its format is not known.", failure.Message);
-        failure = Assert.Throws<ImageLoadException>(() => Image.Load(new MemoryStream("GIF89a......"u8.ToArray())));
-        Assert.Equal("The stream cannot be loaded: images of the format Gif are not read.", failure.Message);
+        failure = Assert.Throws<ImageLoadException>(() =>
+            Image.Load(new MemoryStream("GIF89a......"u8.ToArray()))
+        );
+        Assert.Equal(
+            "The stream cannot be loaded: images of the format Gif are not read.",
+            failure.Message
+        );
     }
 
     [Theory]
@@ -132,14 +139,14 @@ public class StreamTests
             return count;
         }
 
-        public override void Flush()
-        {
-        }
+        public override void Flush() { }
 
-        public override long Seek(long offset, SeekOrigin origin) => throw new NotSupportedException();
+        public override long Seek(long offset, SeekOrigin origin) =>
+            throw new NotSupportedException();
 
         public override void SetLength(long value) => throw new NotSupportedException();
 
-        public override void Write(byte[] buffer, int offset, int count) => throw new NotSupportedException();
+        public override void Write(byte[] buffer, int offset, int count) =>
+            throw new NotSupportedException();
     }
 }

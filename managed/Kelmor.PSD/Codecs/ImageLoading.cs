@@ -20,7 +20,13 @@ internal static class ImageLoading
     public static FileFormat FormatOf(string filePath)
     {
         ArgumentException.ThrowIfNullOrEmpty(filePath);
-        using var file = new FileStream(filePath, FileMode.Open, FileAccess.Read, FileShare.Read, 1);
+        using var file = new FileStream(
+            filePath,
+            FileMode.Open,
+            FileAccess.Read,
+            FileShare.Read,
+            1
+        );
         return FormatOf(file);
     }
 
@@ -31,7 +37,9 @@ internal static class ImageLoading
         ArgumentNullException.ThrowIfNull(stream);
         if (!stream.CanSeek)
         {
-            throw new NotSupportedException("The format of a stream that cannot be sought in is found by loading it only.");
+            throw new NotSupportedException(
+                "The format of a stream that cannot be sought in is found by loading it only."
+            );
         }
         var start = stream.Position;
         var head = new byte[HeadLength];
@@ -62,9 +70,17 @@ internal static class ImageLoading
         ArgumentNullException.ThrowIfNull(options);
         if (options is not PsdOptions psd)
         {
-            throw new ImageCreateException($"Images of the format {options.Format} cannot be made.");
+            throw new ImageCreateException(
+                $"Images of the format {options.Format} cannot be made."
+            );
         }
-        var image = new PsdImage(width, height, psd.ColorMode, psd.ChannelBitsCount, psd.CompressionMethod);
+        var image = new PsdImage(
+            width,
+            height,
+            psd.ColorMode,
+            psd.ChannelBitsCount,
+            psd.CompressionMethod
+        );
         if (options.ResolutionSettings is { } resolution)
         {
             image.SetResolution(resolution.HorizontalResolution, resolution.VerticalResolution);
@@ -81,9 +97,11 @@ internal static class ImageLoading
     {
         if (format != FileFormat.Psd)
         {
-            throw new ImageLoadException(format == FileFormat.Undefined
-                ? $"{what} cannot be loaded: its format is not known."
-                : $"{what} cannot be loaded: images of the format {format} are not read.");
+            throw new ImageLoadException(
+                format == FileFormat.Undefined
+                    ? $"{what} cannot be loaded: its format is not known."
+                    : $"{what} cannot be loaded: images of the format {format} are not read."
+            );
         }
     }
 }

@@ -33,7 +33,9 @@ internal static class ImageSaving
                 Codecs.Png.PngExport.Save(raster, stream, png, area.IsEmpty ? image.Bounds : area);
                 break;
             default:
-                throw new ImageSaveException($"Images are not written in the format {options.Format}.");
+                throw new ImageSaveException(
+                    $"Images are not written in the format {options.Format}."
+                );
         }
     }
 
@@ -52,7 +54,10 @@ internal static class ImageSaving
             case PsdImage { Origin: { FilePath: { } path } }:
                 image.Save(path);
                 break;
-            case PsdImage { Origin: { Stream: { CanSeek: true, CanWrite: true } stream, Start: var start } }:
+            case PsdImage
+            {
+                Origin: { Stream: { CanSeek: true, CanWrite: true } stream, Start: var start }
+            }:
                 SaveInPlace(image, stream, start);
                 break;
             case PsdImage { CreationSource: { } source }:
@@ -62,7 +67,10 @@ internal static class ImageSaving
                 }
                 break;
             default:
-                throw new ImageSaveException("The image was not loaded from a file or a stream that can be written: name a place to save to.");
+                throw new ImageSaveException(
+                    "The image was not loaded from a file or a stream that can be "
+                        + "written: name a place to save to."
+                );
         }
     }
 
@@ -86,7 +94,9 @@ internal static class ImageSaving
         }
         if (image is not RasterImage raster)
         {
-            throw new ImageSaveException("Only images that consist of pixels can be saved as documents.");
+            throw new ImageSaveException(
+                "Only images that consist of pixels can be saved as documents."
+            );
         }
         using var single = SingleLayer(raster, area.IsEmpty ? image.Bounds : area);
         PsdWriter.Write(single, stream, options ?? new PsdOptions(single));
@@ -105,7 +115,10 @@ internal static class ImageSaving
         {
             var pixels = new int[PixelAreas.Count(band)];
             image.ReadPixels(band, pixels);
-            layer.SaveArgb32Pixels(new Rectangle(0, band.Y - area.Y, band.Width, band.Height), pixels);
+            layer.SaveArgb32Pixels(
+                new Rectangle(0, band.Y - area.Y, band.Width, band.Height),
+                pixels
+            );
         }
         return document;
     }

@@ -4,9 +4,7 @@ namespace Kelmor.PSD.FileFormats.Psd
     /// <summary>Images that the smart objects of a document show.</summary>
     public sealed class SmartObjectProvider
     {
-        internal SmartObjectProvider()
-        {
-        }
+        internal SmartObjectProvider() { }
     }
 }
 
@@ -15,12 +13,13 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
     /// <summary>Links between the layers of a document.</summary>
     public sealed class LinkedLayersManager
     {
-        internal LinkedLayersManager()
-        {
-        }
+        internal LinkedLayersManager() { }
     }
 
-    /// <summary>Colour in which masks are shown (Adobe Photoshop File Formats Specification, Global layer mask info).</summary>
+    /// <summary>
+    /// Colour in which masks are shown (Adobe Photoshop File Formats Specification, Global layer
+    /// mask info).
+    /// </summary>
     public sealed class GlobalLayerMaskInfo
     {
         private readonly ReadOnlyMemory<byte> data;
@@ -40,7 +39,9 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
         public byte Kind => data.Length > 12 ? data.Span[12] : (byte)128;
 
         private short Field(int at) =>
-            data.Length >= at + 2 ? System.Buffers.Binary.BinaryPrimitives.ReadInt16BigEndian(data.Span[at..]) : (short)0;
+            data.Length >= at + 2
+                ? System.Buffers.Binary.BinaryPrimitives.ReadInt16BigEndian(data.Span[at..])
+                : (short)0;
     }
 }
 
@@ -49,8 +50,6 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers.Animation
     /// <summary>Frames of an animated document.</summary>
     public sealed class Timeline
     {
-        internal Timeline()
-        {
-        }
+        internal Timeline() { }
     }
 }

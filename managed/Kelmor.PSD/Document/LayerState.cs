@@ -33,7 +33,9 @@ internal static class LayerState
         var state = file.Resources.Find(resource => resource.ID == Id);
         if (state is null)
         {
-            file.Resources.Add(new UnknownResource(ResourceBlock.DefaultSignature, Id, default, data));
+            file.Resources.Add(
+                new UnknownResource(ResourceBlock.DefaultSignature, Id, default, data)
+            );
         }
         else
         {

@@ -7,20 +7,27 @@ internal static class MergedAlpha
 {
     private const short AlphaIdentifiers = 1053;
 
-    /// <summary>True when the first channel behind the colours is transparency and no stored selection.</summary>
+    /// <summary>
+    /// True when the first channel behind the colours is transparency and no stored selection.
+    /// </summary>
     public static bool IsTransparency(PsdFile file)
     {
         if (file.Layers.HasMergedTransparency)
         {
             return true;
         }
-        if (file.Layers.Blocks.Exists(block => TaggedBlocks.Letters(block.KeyCode) is "Mtrn" or "Mt16" or "Mt32"))
+        if (
+            file.Layers.Blocks.Exists(block =>
+                TaggedBlocks.Letters(block.KeyCode) is "Mtrn" or "Mt16" or "Mt32"
+            )
+        )
         {
             return true;
         }
         // Stored selections have identifiers of their own; that of transparency is 0.
         var identifiers = file.Resources.Find(resource => resource.ID == AlphaIdentifiers);
-        return identifiers is { DataSize: >= 4 } && BinaryPrimitives.ReadInt32BigEndian(identifiers.Data.Span) == 0;
+        return identifiers is { DataSize: >= 4 }
+            && BinaryPrimitives.ReadInt32BigEndian(identifiers.Data.Span) == 0;
     }
 
     /// <summary>Undoes the blending with white that merged colours went through.</summary>
@@ -31,7 +38,11 @@ internal static class MergedAlpha
             var alpha = (int)((uint)pixel >> 24);
             if (alpha is > 0 and < 255)
             {
-                pixel = alpha << 24 | Off(pixel >> 16, alpha) << 16 | Off(pixel >> 8, alpha) << 8 | Off(pixel, alpha);
+                pixel =
+                    alpha << 24
+                    | Off(pixel >> 16, alpha) << 16
+                    | Off(pixel >> 8, alpha) << 8
+                    | Off(pixel, alpha);
             }
         }
     }

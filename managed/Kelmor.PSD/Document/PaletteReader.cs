@@ -1,11 +1,13 @@
-// The palette of an indexed document (Adobe Photoshop File Formats Specification, Color Mode Data Section).
+// The palette of an indexed document (Photoshop File Formats, Color Mode Data Section).
 namespace Kelmor.PSD.FileFormats.Psd;
 
 internal static class PaletteReader
 {
     private const int Entries = 256;
 
-    /// <summary>0xAARRGGBB for each index: the data hold all reds, then all greens, then all blues.</summary>
+    /// <summary>
+    /// 0xAARRGGBB for each index: the data hold all reds, then all greens, then all blues.
+    /// </summary>
     public static int[] Read(ReadOnlySpan<byte> data, int transparentIndex)
     {
         var count = Math.Min(data.Length / 3, Entries);

@@ -7,13 +7,24 @@ internal static class PsdCreation
 {
     private const int LargestPsdSide = 30_000;
 
-    /// <summary>The sections of a new document; a side beyond 30000 pixels makes it a PSB document.</summary>
-    public static PsdFile Create(int width, int height, ColorModes mode, short depth, CompressionMethod compression)
+    /// <summary>
+    /// The sections of a new document; a side beyond 30000 pixels makes it a PSB document.
+    /// </summary>
+    public static PsdFile Create(
+        int width,
+        int height,
+        ColorModes mode,
+        short depth,
+        CompressionMethod compression
+    )
     {
         PixelWriter.VerifySupported(mode, depth);
         if (!Enum.IsDefined(compression))
         {
-            throw new ArgumentOutOfRangeException(nameof(compression), $"The compression method {(int)compression} is not known.");
+            throw new ArgumentOutOfRangeException(
+                nameof(compression),
+                $"The compression method {(int)compression} is not known."
+            );
         }
         var version = Math.Max(width, height) > LargestPsdSide ? PsdVersion.Psb : PsdVersion.Psd;
         var channels = PsdHeader.ColorChannelsOf(mode, 1) + 1;
@@ -22,7 +33,12 @@ internal static class PsdCreation
         return new PsdFile
         {
             Header = header,
-            Layers = new LayerSection { HasMergedTransparency = true, IsChanged = true, GlobalMask = ReadOnlyMemory<byte>.Empty },
+            Layers = new LayerSection
+            {
+                HasMergedTransparency = true,
+                IsChanged = true,
+                GlobalMask = ReadOnlyMemory<byte>.Empty,
+            },
             Merged = new MergedImage([], header, compression),
         };
     }

@@ -20,8 +20,11 @@ public partial class PsdImage
     /// <inheritdoc/>
     public override FileFormat FileFormat => FileFormat.Psd;
 
-    /// <summary>True when the merged image has transparency, or its palette a transparent entry.</summary>
-    public override bool HasAlpha => MergedAlphaIndex >= 0 || Palette is IPsdColorPalette { HasTransparentColor: true };
+    /// <summary>
+    /// True when the merged image has transparency, or its palette a transparent entry.
+    /// </summary>
+    public override bool HasAlpha =>
+        MergedAlphaIndex >= 0 || Palette is IPsdColorPalette { HasTransparentColor: true };
 
     /// <summary>Pixels per inch downwards.</summary>
     public override double VerticalResolution
@@ -70,7 +73,9 @@ public partial class PsdImage
     /// <summary>Bits of a sample: 1, 8, 16 or 32.</summary>
     public int BitsPerChannel => File.Header.Depth;
 
-    /// <summary>The image resources, in file order; assigning takes the resources of the array.</summary>
+    /// <summary>
+    /// The image resources, in file order; assigning takes the resources of the array.
+    /// </summary>
     public ResourceBlock[] ImageResources
     {
         get => [.. File.Resources];
@@ -94,8 +99,12 @@ public partial class PsdImage
     /// <summary>Bits of a pixel of the merged image, all channels together.</summary>
     public override int BitsPerPixel => File.Header.Depth * File.Header.Channels;
 
-    /// <summary>All layer records, bottom to top, end marks of groups included; assigning reorders, adds and removes.</summary>
-    /// <exception cref="CoreExceptions.ImageFormats.PsdImageArgumentException">Groups and their end marks do not match.</exception>
+    /// <summary>
+    /// All layer records, bottom to top, end marks of groups included; assigning reorders, adds and
+    /// removes.
+    /// </summary>
+    /// <exception cref="CoreExceptions.ImageFormats.PsdImageArgumentException">Groups and their end
+    /// marks do not match.</exception>
     public Layer[] Layers
     {
         get => [.. File.Layers.Layers];
@@ -124,7 +133,9 @@ public partial class PsdImage
     public GlobalLayerMaskInfo? GlobalLayerMaskInfo =>
         File.Layers.GlobalMask is { Length: > 0 } data ? new GlobalLayerMaskInfo(data) : null;
 
-    /// <summary>True when the first alpha channel of the merged image is its transparency.</summary>
+    /// <summary>
+    /// True when the first alpha channel of the merged image is its transparency.
+    /// </summary>
     public bool HasTransparencyData
     {
         get => File.Layers.HasMergedTransparency;
@@ -149,17 +160,20 @@ public partial class PsdImage
     public bool IsFlatten => File.Layers.Layers.Count == 0;
 
     /// <summary>Order and width of the stored samples.</summary>
-    public override PixelDataFormat RawDataFormat => PixelDataFormat.Of(
-        ColorMode switch
-        {
-            ColorModes.Rgb => PixelFormat.Rgb,
-            ColorModes.Cmyk => PixelFormat.Cmyk,
-            ColorModes.Lab => PixelFormat.Lab,
-            ColorModes.Indexed => PixelFormat.Indexed,
-            ColorModes.Multichannel => PixelFormat.Unknown,
-            _ => PixelFormat.Grayscale,
-        },
-        ChannelsCount, BitsPerChannel);
+    public override PixelDataFormat RawDataFormat =>
+        PixelDataFormat.Of(
+            ColorMode switch
+            {
+                ColorModes.Rgb => PixelFormat.Rgb,
+                ColorModes.Cmyk => PixelFormat.Cmyk,
+                ColorModes.Lab => PixelFormat.Lab,
+                ColorModes.Indexed => PixelFormat.Indexed,
+                ColorModes.Multichannel => PixelFormat.Unknown,
+                _ => PixelFormat.Grayscale,
+            },
+            ChannelsCount,
+            BitsPerChannel
+        );
 
     /// <summary>Angle of the light of all effects, in degrees.</summary>
     public int GlobalAngle
@@ -181,7 +195,8 @@ public partial class PsdImage
     internal PsdVersion DocumentVersion => File.Header.Version;
 
     /// <inheritdoc/>
-    public override ImageOptionsBase GetDefaultOptions(object[]? args) => new PsdOptions(this) { RefreshImagePreviewData = true, UpdateMetadata = true };
+    public override ImageOptionsBase GetDefaultOptions(object[]? args) =>
+        new PsdOptions(this) { RefreshImagePreviewData = true, UpdateMetadata = true };
 
     /// <inheritdoc/>
     public override ImageOptionsBase GetOriginalOptions() => new PsdOptions(this);

@@ -72,9 +72,14 @@ public partial class PsdImage
     internal byte[]? IccProfile => FindResource<IccProfileResource>()?.IccProfile;
 
     /// <summary>0xAARRGGBB of each index; null for documents that are not indexed.</summary>
-    internal int[]? IndexedColors => palette ??= ColorMode == ColorModes.Indexed
-        ? PaletteReader.Read(File.ColorModeData.Span, FindResource<TransparencyIndexResource>()?.TransparencyIndex ?? -1)
-        : null;
+    internal int[]? IndexedColors =>
+        palette ??=
+            ColorMode == ColorModes.Indexed
+                ? PaletteReader.Read(
+                    File.ColorModeData.Span,
+                    FindResource<TransparencyIndexResource>()?.TransparencyIndex ?? -1
+                )
+                : null;
 
     private protected override bool PixelsDecoded => File.Merged.IsDecoded;
 
@@ -84,12 +89,16 @@ public partial class PsdImage
         get
         {
             var first = File.Header.ColorChannels;
-            var hasAlpha = !ignoreAlpha && File.Header.Channels > first && MergedAlpha.IsTransparency(File);
-            return hasAlpha && ColorMode is not (ColorModes.Multichannel or ColorModes.Indexed) ? first : -1;
+            var hasAlpha =
+                !ignoreAlpha && File.Header.Channels > first && MergedAlpha.IsTransparency(File);
+            return hasAlpha && ColorMode is not (ColorModes.Multichannel or ColorModes.Indexed)
+                ? first
+                : -1;
         }
     }
 
-    protected override void SaveData(Stream stream) => ImageSaving.Save(this, stream, GetOriginalOptions(), Rectangle.Empty);
+    protected override void SaveData(Stream stream) =>
+        ImageSaving.Save(this, stream, GetOriginalOptions(), Rectangle.Empty);
 
     internal override void ReadPixels(Rectangle area, Span<int> pixels)
     {
@@ -97,7 +106,17 @@ public partial class PsdImage
         var planes = File.Merged.Decode();
         var alpha = MergedAlphaIndex;
         var colors = planes[..File.Header.ColorChannels];
-        PixelReader.Read(new PixelPlanes(ColorMode, File.Merged.Layout, colors, alpha < 0 ? null : planes[alpha], IndexedColors), area, pixels);
+        PixelReader.Read(
+            new PixelPlanes(
+                ColorMode,
+                File.Merged.Layout,
+                colors,
+                alpha < 0 ? null : planes[alpha],
+                IndexedColors
+            ),
+            area,
+            pixels
+        );
         if (alpha >= 0)
         {
             MergedAlpha.TakeMatteOff(pixels);
@@ -108,7 +127,9 @@ public partial class PsdImage
     {
         if (!IsFlatten)
         {
-            throw new NotSupportedException("The merged image shows the layers: change the pixels of a layer instead.");
+            throw new NotSupportedException(
+                "The merged image shows the layers: change the pixels of a layer instead."
+            );
         }
         PixelWriter.VerifySupported(ColorMode, BitsPerChannel);
         var planes = Array.ConvertAll(File.Merged.Decode(), plane => (byte[])plane.Clone());
@@ -119,7 +140,17 @@ public partial class PsdImage
         {
             MergedAlpha.PutMatteOn(matted);
         }
-        PixelWriter.Write(new PixelPlanes(ColorMode, File.Merged.Layout, colors, alpha < 0 ? null : planes[alpha], null), area, matted);
+        PixelWriter.Write(
+            new PixelPlanes(
+                ColorMode,
+                File.Merged.Layout,
+                colors,
+                alpha < 0 ? null : planes[alpha],
+                null
+            ),
+            area,
+            matted
+        );
         File.Merged.Replace(planes);
     }
 
@@ -144,7 +175,10 @@ public partial class PsdImage
         WatchGlobalBlocks();
         if (IndexedColors is { } colors)
         {
-            Palette = new PsdColorPalette(colors, FindResource<TransparencyIndexResource>()?.TransparencyIndex ?? -1);
+            Palette = new PsdColorPalette(
+                colors,
+                FindResource<TransparencyIndexResource>()?.TransparencyIndex ?? -1
+            );
         }
         if (options is null)
         {
@@ -155,7 +189,8 @@ public partial class PsdImage
         File.Layers.Layers.ForEach(layer => layer.LayerOptions = options);
     }
 
-    private void WatchGlobalBlocks() => File.Layers.Blocks.ForEach(block => block.Changed = () => File.Layers.IsChanged = true);
+    private void WatchGlobalBlocks() =>
+        File.Layers.Blocks.ForEach(block => block.Changed = () => File.Layers.IsChanged = true);
 
     private void ReplaceResource<T>(T? resource)
         where T : ResourceBlock

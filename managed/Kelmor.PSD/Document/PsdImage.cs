@@ -8,24 +8,23 @@ using Kelmor.PSD.ImageOptions;
 
 namespace Kelmor.PSD.FileFormats.Psd;
 
-/// <summary>A layered document in PSD or PSB format (Adobe Photoshop File Formats Specification).</summary>
+/// <summary>
+/// A layered document in PSD or PSB format (Adobe Photoshop File Formats Specification).
+/// </summary>
 public partial class PsdImage : RasterCachedImage
 {
     /// <summary>Loads a document from a file.</summary>
     public PsdImage(string filePath)
-        : this(filePath, null)
-    {
-    }
+        : this(filePath, null) { }
 
     /// <summary>Loads a document from a stream, from its present position on.</summary>
     public PsdImage(Stream stream)
-        : this(stream, null)
-    {
-    }
+        : this(stream, null) { }
 
     /// <summary>Loads a document from a file.</summary>
     public PsdImage(string filePath, LoadOptions? loadOptions)
-        : this(PsdLoading.Read(filePath, loadOptions), loadOptions) => Origin = new SaveOrigin(filePath, null, 0);
+        : this(PsdLoading.Read(filePath, loadOptions), loadOptions) =>
+        Origin = new SaveOrigin(filePath, null, 0);
 
     /// <summary>Loads a document from a stream, from its present position on.</summary>
     public PsdImage(Stream stream, LoadOptions? loadOptions)
@@ -35,9 +34,14 @@ public partial class PsdImage : RasterCachedImage
         DataStreamContainer = new StreamContainer(stream);
     }
 
-    /// <summary>Makes an RGB document of 8 bits with the pixels of an image as its one layer.</summary>
+    /// <summary>
+    /// Makes an RGB document of 8 bits with the pixels of an image as its one layer.
+    /// </summary>
     public PsdImage(RasterImage rasterImage)
-        : this((rasterImage ?? throw new ArgumentNullException(nameof(rasterImage))).Width, rasterImage.Height)
+        : this(
+            (rasterImage ?? throw new ArgumentNullException(nameof(rasterImage))).Width,
+            rasterImage.Height
+        )
     {
         AddLayer(new Layer(rasterImage, false) { Name = "Layer 1" });
         SetResolution(rasterImage.HorizontalResolution, rasterImage.VerticalResolution);
@@ -47,18 +51,14 @@ public partial class PsdImage : RasterCachedImage
     /// <param name="width">Width in pixels, 1 to 300000.</param>
     /// <param name="height">Height in pixels, 1 to 300000.</param>
     public PsdImage(int width, int height)
-        : this(width, height, ColorModes.Rgb)
-    {
-    }
+        : this(width, height, ColorModes.Rgb) { }
 
     /// <summary>Makes an empty document of 8 bits with transparency.</summary>
     /// <param name="width">Width in pixels, 1 to 300000.</param>
     /// <param name="height">Height in pixels, 1 to 300000.</param>
     /// <param name="colorMode">Rgb, Grayscale or Cmyk.</param>
     public PsdImage(int width, int height, ColorModes colorMode)
-        : this(width, height, colorMode, 8, CompressionMethod.Rle)
-    {
-    }
+        : this(width, height, colorMode, 8, CompressionMethod.Rle) { }
 
     /// <summary>Makes an empty document with transparency.</summary>
     /// <param name="width">Width in pixels, 1 to 300000.</param>
@@ -67,7 +67,13 @@ public partial class PsdImage : RasterCachedImage
     /// <param name="channelBitsCount">Bits of a sample: 8, 16 or 32.</param>
     /// <param name="compression">How pixels are packed when the document is saved.</param>
     /// <exception cref="PsdImageException">The format has no such document.</exception>
-    public PsdImage(int width, int height, ColorModes colorMode, short channelBitsCount, CompressionMethod compression)
+    public PsdImage(
+        int width,
+        int height,
+        ColorModes colorMode,
+        short channelBitsCount,
+        CompressionMethod compression
+    )
         : this(PsdCreation.Create(width, height, colorMode, channelBitsCount, compression), null)
     {
         IsNew = true;
@@ -83,37 +89,50 @@ public partial class PsdImage : RasterCachedImage
     }
 
     /// <inheritdoc/>
-    public override void Rotate(float angle, bool resizeProportionally, Color backgroundColor) => throw NotYet.Member();
+    public override void Rotate(float angle, bool resizeProportionally, Color backgroundColor) =>
+        throw NotYet.Member();
 
     /// <inheritdoc/>
     public override void Crop(Rectangle rectangle) => throw NotYet.Member();
 
     /// <inheritdoc/>
-    public override void ResizeHeightProportionally(int newHeight, ResizeType resizeType) => throw NotYet.Member();
-
-    /// <inheritdoc/>
-    public override void ResizeWidthProportionally(int newWidth, ResizeType resizeType) => throw NotYet.Member();
-
-    /// <inheritdoc/>
-    public override void Dither(DitheringMethod ditheringMethod, int bitsCount, IColorPalette? customPalette) =>
+    public override void ResizeHeightProportionally(int newHeight, ResizeType resizeType) =>
         throw NotYet.Member();
 
     /// <inheritdoc/>
-    public override void BinarizeBradley(double brightnessDifference, int windowSize) => throw NotYet.Member();
+    public override void ResizeWidthProportionally(int newWidth, ResizeType resizeType) =>
+        throw NotYet.Member();
 
     /// <inheritdoc/>
-    public override void AdjustGamma(float gammaRed, float gammaGreen, float gammaBlue) => throw NotYet.Member();
+    public override void Dither(
+        DitheringMethod ditheringMethod,
+        int bitsCount,
+        IColorPalette? customPalette
+    ) => throw NotYet.Member();
 
-    /// <summary>Replaces a colour and those near to it in all layers; colours as 0xAARRGGBB.</summary>
+    /// <inheritdoc/>
+    public override void BinarizeBradley(double brightnessDifference, int windowSize) =>
+        throw NotYet.Member();
+
+    /// <inheritdoc/>
+    public override void AdjustGamma(float gammaRed, float gammaGreen, float gammaBlue) =>
+        throw NotYet.Member();
+
+    /// <summary>
+    /// Replaces a colour and those near to it in all layers; colours as 0xAARRGGBB.
+    /// </summary>
     public override void ReplaceColor(int oldColorArgb, byte oldColorDiff, int newColorArgb) =>
         ForPixelLayers(layer => layer.ReplaceColor(oldColorArgb, oldColorDiff, newColorArgb));
 
-    /// <summary>Gives the pixels of all layers that are not wholly transparent one colour, 0xAARRGGBB.</summary>
+    /// <summary>
+    /// Gives the pixels of all layers that are not wholly transparent one colour, 0xAARRGGBB.
+    /// </summary>
     public override void ReplaceNonTransparentColors(int newColorArgb) =>
         ForPixelLayers(layer => layer.ReplaceNonTransparentColors(newColorArgb));
 
     /// <summary>Puts a layer on top of all others; it must belong to no document yet.</summary>
-    /// <exception cref="PsdImageArgumentException">The layer belongs to a document; add a copy of it.</exception>
+    /// <exception cref="PsdImageArgumentException">The layer belongs to a document; add a copy of
+    /// it.</exception>
     public void AddLayer(Layer layer) => Tree.Insert(null, layer, Roots.Count);
 
     /// <summary>Joins two layers into one.</summary>
@@ -143,7 +162,11 @@ public partial class PsdImage : RasterCachedImage
     public CurvesLayer AddCurvesAdjustmentLayer() => throw NotYet.Member();
 
     /// <summary>Puts a new layer that adjusts the exposure on top of all others.</summary>
-    public ExposureLayer AddExposureAdjustmentLayer(float exposure, float offset, float gammaCorrection) => throw NotYet.Member();
+    public ExposureLayer AddExposureAdjustmentLayer(
+        float exposure,
+        float offset,
+        float gammaCorrection
+    ) => throw NotYet.Member();
 
     /// <summary>Puts a new layer that adjusts hue and saturation on top of all others.</summary>
     public HueSaturationLayer AddHueSaturationAdjustmentLayer() => throw NotYet.Member();
@@ -163,11 +186,17 @@ public partial class PsdImage : RasterCachedImage
     /// <summary>Puts a new channel mixer on top of all others.</summary>
     public ChannelMixerLayer AddChannelMixerAdjustmentLayer() => throw NotYet.Member();
 
-    /// <summary>Puts a new layer that adjusts brightness and contrast on top of all others.</summary>
-    public BrightnessContrastLayer AddBrightnessContrastAdjustmentLayer(int brightness, int contrast) => throw NotYet.Member();
+    /// <summary>
+    /// Puts a new layer that adjusts brightness and contrast on top of all others.
+    /// </summary>
+    public BrightnessContrastLayer AddBrightnessContrastAdjustmentLayer(
+        int brightness,
+        int contrast
+    ) => throw NotYet.Member();
 
     /// <summary>Puts a new layer that inverts on top of all others.</summary>
-    public InvertAdjustmentLayer AddInvertAdjustmentLayer() => (InvertAdjustmentLayer)AddAdjustment("nvrt", []);
+    public InvertAdjustmentLayer AddInvertAdjustmentLayer() =>
+        (InvertAdjustmentLayer)AddAdjustment("nvrt", []);
 
     /// <summary>Puts a new layer that makes black and white on top of all others.</summary>
     public BlackWhiteAdjustmentLayer AddBlackWhiteAdjustmentLayer() => throw NotYet.Member();
@@ -176,10 +205,14 @@ public partial class PsdImage : RasterCachedImage
     public SelectiveColorLayer AddSelectiveColorAdjustmentLayer() => throw NotYet.Member();
 
     /// <summary>Puts a new layer with a threshold of 128 on top of all others.</summary>
-    public ThresholdLayer AddThresholdAdjustmentLayer() => (ThresholdLayer)AddAdjustment("thrs", [0, 128, 0, 0]);
+    public ThresholdLayer AddThresholdAdjustmentLayer() =>
+        (ThresholdLayer)AddAdjustment("thrs", [0, 128, 0, 0]);
 
-    /// <summary>Puts a new layer that reduces each channel to 4 levels on top of all others.</summary>
-    public PosterizeLayer AddPosterizeAdjustmentLayer() => (PosterizeLayer)AddAdjustment("post", [0, 4, 0, 0]);
+    /// <summary>
+    /// Puts a new layer that reduces each channel to 4 levels on top of all others.
+    /// </summary>
+    public PosterizeLayer AddPosterizeAdjustmentLayer() =>
+        (PosterizeLayer)AddAdjustment("post", [0, 4, 0, 0]);
 
     /// <summary>Puts a new gradient map on top of all others.</summary>
     public GradientMapLayer AddGradientMapAdjustmentLayer() => throw NotYet.Member();
@@ -210,7 +243,8 @@ public partial class PsdImage : RasterCachedImage
     public override void Grayscale() => throw NotYet.Member();
 
     /// <inheritdoc/>
-    public override void Filter(Rectangle rectangle, FilterOptionsBase options) => throw NotYet.Member();
+    public override void Filter(Rectangle rectangle, FilterOptionsBase options) =>
+        throw NotYet.Member();
 
     /// <summary>Sets the resolution in pixels per inch; the pixels stay.</summary>
     public override void SetResolution(double dpiX, double dpiY)
@@ -228,7 +262,12 @@ public partial class PsdImage : RasterCachedImage
         record.Blocks.Add(LayerResourceKinds.Create(TaggedBlocks.Signature, code, data, default));
         LayerPixels.AddEmptyChannels(record, File.Header);
         var layer = LayerKinds.Create(record, File.Header);
-        layer.Name = FreeName(layer.GetType().Name.Replace("AdjustmentLayer", "", StringComparison.Ordinal).Replace("Layer", "", StringComparison.Ordinal));
+        layer.Name = FreeName(
+            layer
+                .GetType()
+                .Name.Replace("AdjustmentLayer", "", StringComparison.Ordinal)
+                .Replace("Layer", "", StringComparison.Ordinal)
+        );
         AddLayer(layer);
         return layer;
     }
@@ -247,7 +286,11 @@ public partial class PsdImage : RasterCachedImage
     private void ForPixelLayers(Action<Layer> change)
     {
         VerifyNotDisposed();
-        foreach (var layer in File.Layers.Layers.Where(layer => layer is not (LayerGroup or SectionDividerLayer)))
+        foreach (
+            var layer in File.Layers.Layers.Where(layer =>
+                layer is not (LayerGroup or SectionDividerLayer)
+            )
+        )
         {
             change(layer);
         }

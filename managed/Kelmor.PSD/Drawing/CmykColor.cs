@@ -13,9 +13,13 @@ public readonly struct CmykColor
 
     /// <summary>A colour from four ink amounts, each 0 to 255.</summary>
     /// <exception cref="ArgumentException">An amount is outside of 0 to 255.</exception>
-    public static CmykColor FromParams(int cyan, int magenta, int yellow, int black) => new(
-        Ink(cyan, nameof(cyan)) << 24 | Ink(magenta, nameof(magenta)) << 16 | Ink(yellow, nameof(yellow)) << 8
-        | Ink(black, nameof(black)));
+    public static CmykColor FromParams(int cyan, int magenta, int yellow, int black) =>
+        new(
+            Ink(cyan, nameof(cyan)) << 24
+                | Ink(magenta, nameof(magenta)) << 16
+                | Ink(yellow, nameof(yellow)) << 8
+                | Ink(black, nameof(black))
+        );
 
     /// <summary>A colour from its number.</summary>
     /// <param name="cmyk">0xCCMMYYKK as a signed number.</param>
@@ -25,8 +29,12 @@ public readonly struct CmykColor
     public int ToCmyk32() => unchecked((int)value);
 
     /// <summary>The opaque RGB colour by plain multiplication, without a colour profile.</summary>
-    public Color ToColor() => Color.FromArgb(
-        (255 - C) * (255 - K) / 255, (255 - M) * (255 - K) / 255, (255 - Y) * (255 - K) / 255);
+    public Color ToColor() =>
+        Color.FromArgb(
+            (255 - C) * (255 - K) / 255,
+            (255 - M) * (255 - K) / 255,
+            (255 - Y) * (255 - K) / 255
+        );
 
     /// <summary>Cyan, 0 to 255.</summary>
     public byte C => (byte)(value >> 24);
@@ -55,7 +63,11 @@ public readonly struct CmykColor
 
     public override string ToString() => $"CmykColor [C={C}, M={M}, Y={Y}, K={K}]";
 
-    private static uint Ink(int amount, string name) => amount is >= 0 and <= 255
-        ? (uint)amount
-        : throw new ArgumentException($"The value '{amount}' of '{name}' must lie between 0 and 255.", name);
+    private static uint Ink(int amount, string name) =>
+        amount is >= 0 and <= 255
+            ? (uint)amount
+            : throw new ArgumentException(
+                $"The value '{amount}' of '{name}' must lie between 0 and 255.",
+                name
+            );
 }

@@ -6,7 +6,7 @@ public readonly partial struct Color
 {
     private readonly int argb; // 0xAARRGGBB
     private readonly KnownColor known; // None for a colour that was made from numbers
-    private readonly bool isSet; // false in `default`, which is Empty and differs from transparent black
+    private readonly bool isSet; // false in `default`: Empty is no transparent black
 
     private Color(int argb, KnownColor known)
     {
@@ -21,13 +21,18 @@ public readonly partial struct Color
 
     /// <summary>A colour from four channels, each 0 to 255.</summary>
     /// <exception cref="ArgumentException">A channel is outside of 0 to 255.</exception>
-    public static Color FromArgb(int alpha, int red, int green, int blue) => new(
-        Channel(alpha, nameof(alpha)) << 24 | Channel(red, nameof(red)) << 16 | Channel(green, nameof(green)) << 8
-        | Channel(blue, nameof(blue)), KnownColor.None);
+    public static Color FromArgb(int alpha, int red, int green, int blue) =>
+        new(
+            Channel(alpha, nameof(alpha)) << 24
+                | Channel(red, nameof(red)) << 16
+                | Channel(green, nameof(green)) << 8
+                | Channel(blue, nameof(blue)),
+            KnownColor.None
+        );
 
     /// <summary>Another colour with a new alpha, 0 to 255.</summary>
-    public static Color FromArgb(int alpha, Color baseColor) => new(
-        Channel(alpha, nameof(alpha)) << 24 | baseColor.argb & 0xFFFFFF, KnownColor.None);
+    public static Color FromArgb(int alpha, Color baseColor) =>
+        new(Channel(alpha, nameof(alpha)) << 24 | baseColor.argb & 0xFFFFFF, KnownColor.None);
 
     /// <summary>An opaque colour from three channels, each 0 to 255.</summary>
     public static Color FromArgb(int red, int green, int blue) => FromArgb(255, red, green, blue);
@@ -41,7 +46,12 @@ public readonly partial struct Color
         {
             return CmykColor.FromParams(0, 0, 0, 255);
         }
-        return CmykColor.FromParams((rest - R) * 255 / rest, (rest - G) * 255 / rest, (rest - B) * 255 / rest, key);
+        return CmykColor.FromParams(
+            (rest - R) * 255 / rest,
+            (rest - G) * 255 / rest,
+            (rest - B) * 255 / rest,
+            key
+        );
     }
 
     /// <summary>The colour as ink amounts through the default CMYK profile.</summary>
@@ -51,7 +61,9 @@ public readonly partial struct Color
     public static Color FromKnownColor(KnownColor color) =>
         KnownColors.Has(color) ? new Color(KnownColors.ToArgb(color), color) : default;
 
-    /// <summary>A colour by its name, in any case; a name that is not known gives <see cref="Empty"/>.</summary>
+    /// <summary>
+    /// A colour by its name, in any case; a name that is not known gives <see cref="Empty"/>.
+    /// </summary>
     public static Color FromName(string name)
     {
         ArgumentNullException.ThrowIfNull(name);
@@ -69,7 +81,10 @@ public readonly partial struct Color
         {
             return 0;
         }
-        var hue = Largest == R ? (G - B) / range : Largest == G ? 2 + (B - R) / range : 4 + (R - G) / range;
+        var hue =
+            Largest == R ? (G - B) / range
+            : Largest == G ? 2 + (B - R) / range
+            : 4 + (R - G) / range;
         return hue < 0 ? hue * 60 + 360 : hue * 60;
     }
 
@@ -109,7 +124,10 @@ public readonly partial struct Color
     public bool IsNamedColor => IsKnownColor;
 
     /// <summary>The colour's name; else its number in hexadecimal digits.</summary>
-    public string Name => IsKnownColor ? known.ToString() : isSet ? argb.ToString("x") : "0";
+    public string Name =>
+        IsKnownColor ? known.ToString()
+        : isSet ? argb.ToString("x")
+        : "0";
 
     private int Largest => Math.Max(R, Math.Max(G, B));
 
@@ -119,18 +137,26 @@ public readonly partial struct Color
 
     public static bool operator !=(Color left, Color right) => !left.Same(right);
 
-    /// <summary>Same number and same name: a named colour differs from the same number without a name.</summary>
-    private bool Same(Color other) => argb == other.argb && known == other.known && isSet == other.isSet;
+    /// <summary>
+    /// Same number and same name: a named colour differs from the same number without a name.
+    /// </summary>
+    private bool Same(Color other) =>
+        argb == other.argb && known == other.known && isSet == other.isSet;
 
     public override bool Equals(object? obj) => obj is Color other && Same(other);
 
     public override int GetHashCode() => HashCode.Combine(argb, known, isSet);
 
-    public override string ToString() => IsEmpty
-        ? "Color [Empty]"
-        : IsKnownColor ? $"Color [{known}]" : $"Color [A={A}, R={R}, G={G}, B={B}]";
+    public override string ToString() =>
+        IsEmpty ? "Color [Empty]"
+        : IsKnownColor ? $"Color [{known}]"
+        : $"Color [A={A}, R={R}, G={G}, B={B}]";
 
-    private static int Channel(int value, string name) => value is >= 0 and <= 255
-        ? value
-        : throw new ArgumentException($"The value '{value}' of '{name}' must lie between 0 and 255.", name);
+    private static int Channel(int value, string name) =>
+        value is >= 0 and <= 255
+            ? value
+            : throw new ArgumentException(
+                $"The value '{value}' of '{name}' must lie between 0 and 255.",
+                name
+            );
 }

@@ -6,9 +6,7 @@ namespace Kelmor.PSD
     {
         /// <summary>The identity.</summary>
         public Matrix()
-            : this(1, 0, 0, 1, 0, 0)
-        {
-        }
+            : this(1, 0, 0, 1, 0, 0) { }
 
         /// <summary>A transformation: x' = x*m11 + y*m21 + m31, y' = x*m12 + y*m22 + m32.</summary>
         public Matrix(float m11, float m12, float m21, float m22, float m31, float m32) =>
@@ -30,9 +28,7 @@ namespace Kelmor.PSD
     {
         /// <summary>A pen of one pixel.</summary>
         public Pen(Color color)
-            : this(color, 1)
-        {
-        }
+            : this(color, 1) { }
 
         /// <summary>A pen.</summary>
         /// <param name="color">Colour.</param>
@@ -55,9 +51,7 @@ namespace Kelmor.PSD
     {
         /// <summary>A font in regular style.</summary>
         public Font(string fontName, float fontSize)
-            : this(fontName, fontSize, FontStyle.Regular)
-        {
-        }
+            : this(fontName, fontSize, FontStyle.Regular) { }
 
         /// <summary>A font.</summary>
         /// <param name="fontName">Name of the family.</param>
@@ -88,9 +82,7 @@ namespace Kelmor.PSD
     }
 
     /// <summary>How text is laid out.</summary>
-    public sealed class StringFormat
-    {
-    }
+    public sealed class StringFormat { }
 
     /// <summary>Lines and curves that form outlines.</summary>
     public sealed class GraphicsPath
@@ -100,9 +92,7 @@ namespace Kelmor.PSD
     }
 
     /// <summary>An area of any form.</summary>
-    public sealed class Region
-    {
-    }
+    public sealed class Region { }
 }
 
 namespace Kelmor.PSD.Brushes
@@ -112,9 +102,7 @@ namespace Kelmor.PSD.Brushes
     {
         /// <summary>A black brush.</summary>
         public SolidBrush()
-            : this(Color.Black)
-        {
-        }
+            : this(Color.Black) { }
 
         /// <summary>A brush of one colour.</summary>
         public SolidBrush(Color color) => Color = color;

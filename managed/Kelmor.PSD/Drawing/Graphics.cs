@@ -62,10 +62,12 @@ public sealed class Graphics
     public void FillRectangle(Brush brush, RectangleF rect) => throw NotYet.Member();
 
     /// <summary>Fills a rectangle.</summary>
-    public void FillRectangle(Brush brush, float x, float y, float width, float height) => throw NotYet.Member();
+    public void FillRectangle(Brush brush, float x, float y, float width, float height) =>
+        throw NotYet.Member();
 
     /// <summary>Fills a rectangle.</summary>
-    public void FillRectangle(Brush brush, int x, int y, int width, int height) => throw NotYet.Member();
+    public void FillRectangle(Brush brush, int x, int y, int width, int height) =>
+        throw NotYet.Member();
 
     /// <summary>Fills rectangles.</summary>
     public void FillRectangles(Brush brush, Rectangle[] rects) => throw NotYet.Member();
@@ -80,10 +82,12 @@ public sealed class Graphics
     public void DrawRectangle(Pen pen, Rectangle rect) => throw NotYet.Member();
 
     /// <summary>Draws the outline of a rectangle.</summary>
-    public void DrawRectangle(Pen pen, float x, float y, float width, float height) => throw NotYet.Member();
+    public void DrawRectangle(Pen pen, float x, float y, float width, float height) =>
+        throw NotYet.Member();
 
     /// <summary>Draws the outline of a rectangle.</summary>
-    public void DrawRectangle(Pen pen, int x, int y, int width, int height) => throw NotYet.Member();
+    public void DrawRectangle(Pen pen, int x, int y, int width, int height) =>
+        throw NotYet.Member();
 
     /// <summary>Draws the outlines of rectangles.</summary>
     public void DrawRectangles(Pen pen, RectangleF[] rects) => throw NotYet.Member();
@@ -95,7 +99,8 @@ public sealed class Graphics
     public void DrawEllipse(Pen pen, RectangleF rect) => throw NotYet.Member();
 
     /// <summary>Draws the outline of an ellipse.</summary>
-    public void DrawEllipse(Pen pen, float x, float y, float width, float height) => throw NotYet.Member();
+    public void DrawEllipse(Pen pen, float x, float y, float width, float height) =>
+        throw NotYet.Member();
 
     /// <summary>Draws the outline of an ellipse.</summary>
     public void DrawEllipse(Pen pen, Rectangle rect) => throw NotYet.Member();
@@ -137,25 +142,46 @@ public sealed class Graphics
     public void DrawImageUnscaled(Image image, Rectangle rect) => throw NotYet.Member();
 
     /// <summary>Draws an image pixel by pixel.</summary>
-    public void DrawImageUnscaled(Image image, int x, int y, int width, int height) => throw NotYet.Member();
+    public void DrawImageUnscaled(Image image, int x, int y, int width, int height) =>
+        throw NotYet.Member();
 
     /// <summary>Draws a part of the outline of an ellipse, angles clockwise in degrees.</summary>
-    public void DrawArc(Pen pen, float x, float y, float width, float height, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void DrawArc(
+        Pen pen,
+        float x,
+        float y,
+        float width,
+        float height,
+        float startAngle,
+        float sweepAngle
+    ) => throw NotYet.Member();
 
     /// <summary>Draws a part of the outline of an ellipse, angles clockwise in degrees.</summary>
-    public void DrawArc(Pen pen, RectangleF rect, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void DrawArc(Pen pen, RectangleF rect, float startAngle, float sweepAngle) =>
+        throw NotYet.Member();
 
     /// <summary>Draws a part of the outline of an ellipse, angles clockwise in degrees.</summary>
-    public void DrawArc(Pen pen, Rectangle rect, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void DrawArc(Pen pen, Rectangle rect, float startAngle, float sweepAngle) =>
+        throw NotYet.Member();
 
     /// <summary>Draws the outline of a piece of an ellipse, angles clockwise in degrees.</summary>
-    public void DrawPie(Pen pen, RectangleF rect, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void DrawPie(Pen pen, RectangleF rect, float startAngle, float sweepAngle) =>
+        throw NotYet.Member();
 
     /// <summary>Draws the outline of a piece of an ellipse, angles clockwise in degrees.</summary>
-    public void DrawPie(Pen pen, float x, float y, float width, float height, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void DrawPie(
+        Pen pen,
+        float x,
+        float y,
+        float width,
+        float height,
+        float startAngle,
+        float sweepAngle
+    ) => throw NotYet.Member();
 
     /// <summary>Draws the outline of a piece of an ellipse, angles clockwise in degrees.</summary>
-    public void DrawPie(Pen pen, Rectangle rect, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void DrawPie(Pen pen, Rectangle rect, float startAngle, float sweepAngle) =>
+        throw NotYet.Member();
 
     /// <summary>Draws a cardinal spline.</summary>
     public void DrawCurve(Pen pen, PointF[] points) => throw NotYet.Member();
@@ -182,13 +208,25 @@ public sealed class Graphics
     public void DrawClosedCurve(Pen pen, Point[] points, float tension) => throw NotYet.Member();
 
     /// <summary>Draws a cubic curve.</summary>
-    public void DrawBezier(Pen pen, float x1, float y1, float x2, float y2, float x3, float y3, float x4, float y4) => throw NotYet.Member();
+    public void DrawBezier(
+        Pen pen,
+        float x1,
+        float y1,
+        float x2,
+        float y2,
+        float x3,
+        float y3,
+        float x4,
+        float y4
+    ) => throw NotYet.Member();
 
     /// <summary>Draws a cubic curve.</summary>
-    public void DrawBezier(Pen pen, PointF pt1, PointF pt2, PointF pt3, PointF pt4) => throw NotYet.Member();
+    public void DrawBezier(Pen pen, PointF pt1, PointF pt2, PointF pt3, PointF pt4) =>
+        throw NotYet.Member();
 
     /// <summary>Draws a cubic curve.</summary>
-    public void DrawBezier(Pen pen, Point pt1, Point pt2, Point pt3, Point pt4) => throw NotYet.Member();
+    public void DrawBezier(Pen pen, Point pt1, Point pt2, Point pt3, Point pt4) =>
+        throw NotYet.Member();
 
     /// <summary>Draws cubic curves one after the other.</summary>
     public void DrawBeziers(Pen pen, Point[] points) => throw NotYet.Member();
@@ -197,64 +235,88 @@ public sealed class Graphics
     public void DrawBeziers(Pen pen, PointF[] points) => throw NotYet.Member();
 
     /// <summary>Draws text.</summary>
-    public void DrawString(string s, Font font, Brush brush, float x, float y) => throw NotYet.Member();
+    public void DrawString(string s, Font font, Brush brush, float x, float y) =>
+        throw NotYet.Member();
 
     /// <summary>Draws text.</summary>
     public void DrawString(string s, Font font, Brush brush, PointF point) => throw NotYet.Member();
 
     /// <summary>Draws text.</summary>
-    public void DrawString(string s, Font font, Brush brush, float x, float y, StringFormat? format) => throw NotYet.Member();
+    public void DrawString(
+        string s,
+        Font font,
+        Brush brush,
+        float x,
+        float y,
+        StringFormat? format
+    ) => throw NotYet.Member();
 
     /// <summary>Draws text.</summary>
-    public void DrawString(string s, Font font, Brush brush, PointF point, StringFormat? format) => throw NotYet.Member();
+    public void DrawString(string s, Font font, Brush brush, PointF point, StringFormat? format) =>
+        throw NotYet.Member();
 
     /// <summary>Draws text.</summary>
-    public void DrawString(string s, Font font, Brush brush, RectangleF layoutRectangle) => throw NotYet.Member();
+    public void DrawString(string s, Font font, Brush brush, RectangleF layoutRectangle) =>
+        throw NotYet.Member();
 
     /// <summary>Draws text.</summary>
-    public void DrawString(string s, Font font, Brush brush, RectangleF layoutRectangle, StringFormat? format) => throw NotYet.Member();
+    public void DrawString(
+        string s,
+        Font font,
+        Brush brush,
+        RectangleF layoutRectangle,
+        StringFormat? format
+    ) => throw NotYet.Member();
 
     /// <summary>Fills an ellipse.</summary>
     public void FillEllipse(Brush brush, RectangleF rect) => throw NotYet.Member();
 
     /// <summary>Fills an ellipse.</summary>
-    public void FillEllipse(Brush brush, float x, float y, float width, float height) => throw NotYet.Member();
+    public void FillEllipse(Brush brush, float x, float y, float width, float height) =>
+        throw NotYet.Member();
 
     /// <summary>Fills an ellipse.</summary>
     public void FillEllipse(Brush brush, Rectangle rect) => throw NotYet.Member();
 
     /// <summary>Fills an ellipse.</summary>
-    public void FillEllipse(Brush brush, int x, int y, int width, int height) => throw NotYet.Member();
+    public void FillEllipse(Brush brush, int x, int y, int width, int height) =>
+        throw NotYet.Member();
 
     /// <summary>Fills a piece of an ellipse, angles clockwise in degrees.</summary>
-    public void FillPie(Brush brush, Rectangle rect, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void FillPie(Brush brush, Rectangle rect, float startAngle, float sweepAngle) =>
+        throw NotYet.Member();
 
     /// <summary>Fills a piece of an ellipse, angles clockwise in degrees.</summary>
-    public void FillPie(Brush brush, RectangleF rect, float startAngle, float sweepAngle) => throw NotYet.Member();
+    public void FillPie(Brush brush, RectangleF rect, float startAngle, float sweepAngle) =>
+        throw NotYet.Member();
 
     /// <summary>Fills a polygon.</summary>
     public void FillPolygon(Brush brush, PointF[] points) => throw NotYet.Member();
 
     /// <summary>Fills a polygon.</summary>
-    public void FillPolygon(Brush brush, PointF[] points, FillMode fillMode) => throw NotYet.Member();
+    public void FillPolygon(Brush brush, PointF[] points, FillMode fillMode) =>
+        throw NotYet.Member();
 
     /// <summary>Fills a polygon.</summary>
     public void FillPolygon(Brush brush, Point[] points) => throw NotYet.Member();
 
     /// <summary>Fills a polygon.</summary>
-    public void FillPolygon(Brush brush, Point[] points, FillMode fillMode) => throw NotYet.Member();
+    public void FillPolygon(Brush brush, Point[] points, FillMode fillMode) =>
+        throw NotYet.Member();
 
     /// <summary>Fills the inside of a closed cardinal spline.</summary>
     public void FillClosedCurve(Brush brush, PointF[] points) => throw NotYet.Member();
 
     /// <summary>Fills the inside of a closed cardinal spline.</summary>
-    public void FillClosedCurve(Brush brush, PointF[] points, FillMode fillmode) => throw NotYet.Member();
+    public void FillClosedCurve(Brush brush, PointF[] points, FillMode fillmode) =>
+        throw NotYet.Member();
 
     /// <summary>Fills the inside of a closed cardinal spline.</summary>
     public void FillClosedCurve(Brush brush, Point[] points) => throw NotYet.Member();
 
     /// <summary>Fills the inside of a closed cardinal spline.</summary>
-    public void FillClosedCurve(Brush brush, Point[] points, FillMode fillmode) => throw NotYet.Member();
+    public void FillClosedCurve(Brush brush, Point[] points, FillMode fillmode) =>
+        throw NotYet.Member();
 
     /// <summary>Puts the matrix back to the identity.</summary>
     public void ResetTransform() => throw NotYet.Member();

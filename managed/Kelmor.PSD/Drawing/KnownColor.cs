@@ -1,7 +1,9 @@
 // The named colours; their numbers are those that .NET gives the same names.
 namespace Kelmor.PSD;
 
-/// <summary>Colours with a name of their own: the extended keywords of CSS Color Module Level 3, 4.3.</summary>
+/// <summary>
+/// Colours with a name of their own: the extended keywords of CSS Color Module Level 3, 4.3.
+/// </summary>
 public enum KnownColor
 {
     /// <summary>No named colour.</summary>

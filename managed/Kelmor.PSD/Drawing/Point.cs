@@ -13,9 +13,7 @@ public struct Point
 
     /// <summary>The lower right corner of a size that starts at the origin.</summary>
     public Point(Size size)
-        : this(size.Width, size.Height)
-    {
-    }
+        : this(size.Width, size.Height) { }
 
     /// <summary>The origin.</summary>
     public static Point Empty => default;
@@ -52,16 +50,21 @@ public struct Point
     }
 
     /// <summary>The position moved right and down by a size.</summary>
-    public static Point Add(Point point, Size size) => new(point.X + size.Width, point.Y + size.Height);
+    public static Point Add(Point point, Size size) =>
+        new(point.X + size.Width, point.Y + size.Height);
 
     /// <summary>The position moved left and up by a size.</summary>
-    public static Point Subtract(Point point, Size size) => new(point.X - size.Width, point.Y - size.Height);
+    public static Point Subtract(Point point, Size size) =>
+        new(point.X - size.Width, point.Y - size.Height);
 
     /// <summary>Both coordinates rounded up.</summary>
     public static Point Ceiling(PointF point) => new(Rounding.Up(point.X), Rounding.Up(point.Y));
 
-    /// <summary>Both coordinates rounded to the nearest whole number, halves to the even one.</summary>
-    public static Point Round(PointF point) => new(Rounding.Nearest(point.X), Rounding.Nearest(point.Y));
+    /// <summary>
+    /// Both coordinates rounded to the nearest whole number, halves to the even one.
+    /// </summary>
+    public static Point Round(PointF point) =>
+        new(Rounding.Nearest(point.X), Rounding.Nearest(point.Y));
 
     /// <summary>Both coordinates cut towards zero.</summary>
     public static Point Truncate(PointF point) => new(Rounding.Cut(point.X), Rounding.Cut(point.Y));

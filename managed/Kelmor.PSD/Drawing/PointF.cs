@@ -13,9 +13,7 @@ public struct PointF
 
     /// <summary>The lower right corner of a size that starts at the origin.</summary>
     public PointF(SizeF size)
-        : this(size.Width, size.Height)
-    {
-    }
+        : this(size.Width, size.Height) { }
 
     /// <summary>The origin.</summary>
     public static PointF Empty => default;
@@ -50,10 +48,12 @@ public struct PointF
     }
 
     /// <summary>The position moved right and down by a size.</summary>
-    public static PointF Add(PointF point, SizeF size) => new(point.X + size.Width, point.Y + size.Height);
+    public static PointF Add(PointF point, SizeF size) =>
+        new(point.X + size.Width, point.Y + size.Height);
 
     /// <summary>The position moved left and up by a size.</summary>
-    public static PointF Subtract(PointF point, SizeF size) => new(point.X - size.Width, point.Y - size.Height);
+    public static PointF Subtract(PointF point, SizeF size) =>
+        new(point.X - size.Width, point.Y - size.Height);
 
     private readonly bool Same(PointF other) => X == other.X && Y == other.Y;
 

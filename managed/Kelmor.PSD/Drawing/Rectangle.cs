@@ -15,9 +15,7 @@ public struct Rectangle
 
     /// <summary>A rectangle from its upper left corner and its size.</summary>
     public Rectangle(Point location, Size size)
-        : this(location.X, location.Y, size.Width, size.Height)
-    {
-    }
+        : this(location.X, location.Y, size.Width, size.Height) { }
 
     /// <summary>The rectangle of no size at the origin.</summary>
     public static Rectangle Empty => default;
@@ -95,32 +93,54 @@ public struct Rectangle
     /// <summary>True when the rectangle is at the origin and has no size.</summary>
     public readonly bool IsEmpty => X == 0 && Y == 0 && Width == 0 && Height == 0;
 
-    public static implicit operator RectangleF(Rectangle rect) => new(rect.X, rect.Y, rect.Width, rect.Height);
+    public static implicit operator RectangleF(Rectangle rect) =>
+        new(rect.X, rect.Y, rect.Width, rect.Height);
 
     public static bool operator ==(Rectangle left, Rectangle right) => left.Same(right);
 
     public static bool operator !=(Rectangle left, Rectangle right) => !left.Same(right);
 
     /// <summary>The rectangle with two opposite corners.</summary>
-    public static Rectangle FromPoints(Point point1, Point point2) => FromLeftTopRightBottom(
-        Math.Min(point1.X, point2.X), Math.Min(point1.Y, point2.Y),
-        Math.Max(point1.X, point2.X), Math.Max(point1.Y, point2.Y));
+    public static Rectangle FromPoints(Point point1, Point point2) =>
+        FromLeftTopRightBottom(
+            Math.Min(point1.X, point2.X),
+            Math.Min(point1.Y, point2.Y),
+            Math.Max(point1.X, point2.X),
+            Math.Max(point1.Y, point2.Y)
+        );
 
     /// <summary>A rectangle from its four edges.</summary>
     public static Rectangle FromLeftTopRightBottom(int left, int top, int right, int bottom) =>
         new(left, top, right - left, bottom - top);
 
     /// <summary>Corner and lengths rounded up.</summary>
-    public static Rectangle Ceiling(RectangleF value) => new(
-        Rounding.Up(value.X), Rounding.Up(value.Y), Rounding.Up(value.Width), Rounding.Up(value.Height));
+    public static Rectangle Ceiling(RectangleF value) =>
+        new(
+            Rounding.Up(value.X),
+            Rounding.Up(value.Y),
+            Rounding.Up(value.Width),
+            Rounding.Up(value.Height)
+        );
 
     /// <summary>Corner and lengths cut towards zero.</summary>
-    public static Rectangle Truncate(RectangleF value) => new(
-        Rounding.Cut(value.X), Rounding.Cut(value.Y), Rounding.Cut(value.Width), Rounding.Cut(value.Height));
+    public static Rectangle Truncate(RectangleF value) =>
+        new(
+            Rounding.Cut(value.X),
+            Rounding.Cut(value.Y),
+            Rounding.Cut(value.Width),
+            Rounding.Cut(value.Height)
+        );
 
-    /// <summary>Corner and lengths rounded to the nearest whole number, halves to the even one.</summary>
-    public static Rectangle Round(RectangleF value) => new(
-        Rounding.Nearest(value.X), Rounding.Nearest(value.Y), Rounding.Nearest(value.Width), Rounding.Nearest(value.Height));
+    /// <summary>
+    /// Corner and lengths rounded to the nearest whole number, halves to the even one.
+    /// </summary>
+    public static Rectangle Round(RectangleF value) =>
+        new(
+            Rounding.Nearest(value.X),
+            Rounding.Nearest(value.Y),
+            Rounding.Nearest(value.Width),
+            Rounding.Nearest(value.Height)
+        );
 
     /// <summary>A rectangle grown on all four sides.</summary>
     /// <param name="rect">The rectangle to grow; it stays as it is.</param>
@@ -144,22 +164,31 @@ public struct Rectangle
     /// <summary>Grows this rectangle on all four sides.</summary>
     public void Inflate(Size size) => Inflate(size.Width, size.Height);
 
-    /// <summary>What two rectangles share; <see cref="Empty"/> when they do not even touch.</summary>
+    /// <summary>
+    /// What two rectangles share; <see cref="Empty"/> when they do not even touch.
+    /// </summary>
     public static Rectangle Intersect(Rectangle a, Rectangle b)
     {
         var left = Math.Max(a.X, b.X);
         var top = Math.Max(a.Y, b.Y);
         var right = Math.Min(a.Right, b.Right);
         var bottom = Math.Min(a.Bottom, b.Bottom);
-        return right >= left && bottom >= top ? FromLeftTopRightBottom(left, top, right, bottom) : Empty;
+        return right >= left && bottom >= top
+            ? FromLeftTopRightBottom(left, top, right, bottom)
+            : Empty;
     }
 
     /// <summary>Shrinks this rectangle to what it shares with another.</summary>
     public void Intersect(Rectangle rect) => this = Intersect(rect, this);
 
     /// <summary>The smallest rectangle that holds both.</summary>
-    public static Rectangle Union(Rectangle a, Rectangle b) => FromLeftTopRightBottom(
-        Math.Min(a.X, b.X), Math.Min(a.Y, b.Y), Math.Max(a.Right, b.Right), Math.Max(a.Bottom, b.Bottom));
+    public static Rectangle Union(Rectangle a, Rectangle b) =>
+        FromLeftTopRightBottom(
+            Math.Min(a.X, b.X),
+            Math.Min(a.Y, b.Y),
+            Math.Max(a.Right, b.Right),
+            Math.Max(a.Bottom, b.Bottom)
+        );
 
     /// <summary>True when a position lies inside.</summary>
     public readonly bool Contains(int x, int y) => X <= x && x < Right && Y <= y && y < Bottom;
@@ -207,5 +236,6 @@ public struct Rectangle
 
     public override readonly int GetHashCode() => HashCode.Combine(X, Y, Width, Height);
 
-    public override readonly string ToString() => $"{{X={X}, Y={Y}, Width={Width}, Height={Height}}}";
+    public override readonly string ToString() =>
+        $"{{X={X}, Y={Y}, Width={Width}, Height={Height}}}";
 }

@@ -15,9 +15,7 @@ public struct RectangleF
 
     /// <summary>A rectangle from its upper left corner and its size.</summary>
     public RectangleF(PointF location, SizeF size)
-        : this(location.X, location.Y, size.Width, size.Height)
-    {
-    }
+        : this(location.X, location.Y, size.Width, size.Height) { }
 
     /// <summary>The rectangle of no size at the origin.</summary>
     public static RectangleF Empty => default;
@@ -100,13 +98,21 @@ public struct RectangleF
     public static bool operator !=(RectangleF left, RectangleF right) => !left.Same(right);
 
     /// <summary>The rectangle with two opposite corners.</summary>
-    public static RectangleF FromPoints(PointF point1, PointF point2) => FromLeftTopRightBottom(
-        Math.Min(point1.X, point2.X), Math.Min(point1.Y, point2.Y),
-        Math.Max(point1.X, point2.X), Math.Max(point1.Y, point2.Y));
+    public static RectangleF FromPoints(PointF point1, PointF point2) =>
+        FromLeftTopRightBottom(
+            Math.Min(point1.X, point2.X),
+            Math.Min(point1.Y, point2.Y),
+            Math.Max(point1.X, point2.X),
+            Math.Max(point1.Y, point2.Y)
+        );
 
     /// <summary>A rectangle from its four edges.</summary>
-    public static RectangleF FromLeftTopRightBottom(float left, float top, float right, float bottom) =>
-        new(left, top, right - left, bottom - top);
+    public static RectangleF FromLeftTopRightBottom(
+        float left,
+        float top,
+        float right,
+        float bottom
+    ) => new(left, top, right - left, bottom - top);
 
     /// <summary>A rectangle grown on all four sides.</summary>
     /// <param name="rect">The rectangle to grow; it stays as it is.</param>
@@ -130,22 +136,31 @@ public struct RectangleF
     /// <summary>Grows this rectangle on all four sides.</summary>
     public void Inflate(SizeF size) => Inflate(size.Width, size.Height);
 
-    /// <summary>What two rectangles share; <see cref="Empty"/> when they do not even touch.</summary>
+    /// <summary>
+    /// What two rectangles share; <see cref="Empty"/> when they do not even touch.
+    /// </summary>
     public static RectangleF Intersect(RectangleF a, RectangleF b)
     {
         var left = Math.Max(a.X, b.X);
         var top = Math.Max(a.Y, b.Y);
         var right = Math.Min(a.Right, b.Right);
         var bottom = Math.Min(a.Bottom, b.Bottom);
-        return right >= left && bottom >= top ? FromLeftTopRightBottom(left, top, right, bottom) : Empty;
+        return right >= left && bottom >= top
+            ? FromLeftTopRightBottom(left, top, right, bottom)
+            : Empty;
     }
 
     /// <summary>Shrinks this rectangle to what it shares with another.</summary>
     public void Intersect(RectangleF rect) => this = Intersect(rect, this);
 
     /// <summary>The smallest rectangle that holds both.</summary>
-    public static RectangleF Union(RectangleF a, RectangleF b) => FromLeftTopRightBottom(
-        Math.Min(a.X, b.X), Math.Min(a.Y, b.Y), Math.Max(a.Right, b.Right), Math.Max(a.Bottom, b.Bottom));
+    public static RectangleF Union(RectangleF a, RectangleF b) =>
+        FromLeftTopRightBottom(
+            Math.Min(a.X, b.X),
+            Math.Min(a.Y, b.Y),
+            Math.Max(a.Right, b.Right),
+            Math.Max(a.Bottom, b.Bottom)
+        );
 
     /// <summary>True when a position lies inside.</summary>
     public readonly bool Contains(float x, float y) => X <= x && x < Right && Y <= y && y < Bottom;
@@ -193,5 +208,6 @@ public struct RectangleF
 
     public override readonly int GetHashCode() => HashCode.Combine(X, Y, Width, Height);
 
-    public override readonly string ToString() => $"{{X={X}, Y={Y}, Width={Width}, Height={Height}}}";
+    public override readonly string ToString() =>
+        $"{{X={X}, Y={Y}, Width={Width}, Height={Height}}}";
 }

@@ -7,7 +7,9 @@ internal static class Rounding
 
     public static int Nearest(float value) => Cut(MathF.Round(value));
 
-    public static int Cut(float value) => value >= int.MaxValue ? int.MaxValue
+    public static int Cut(float value) =>
+        value >= int.MaxValue ? int.MaxValue
         : value <= int.MinValue ? int.MinValue
-        : float.IsNaN(value) ? 0 : (int)value;
+        : float.IsNaN(value) ? 0
+        : (int)value;
 }

@@ -6,9 +6,7 @@ public struct Size
 {
     /// <summary>The size from the origin to a position.</summary>
     public Size(Point point)
-        : this(point.X, point.Y)
-    {
-    }
+        : this(point.X, point.Y) { }
 
     /// <summary>A size from its two lengths.</summary>
     public Size(int width, int height)
@@ -42,19 +40,24 @@ public struct Size
     public static bool operator !=(Size left, Size right) => !left.Same(right);
 
     /// <summary>Sum of two sizes.</summary>
-    public static Size Add(Size size1, Size size2) => new(size1.Width + size2.Width, size1.Height + size2.Height);
+    public static Size Add(Size size1, Size size2) =>
+        new(size1.Width + size2.Width, size1.Height + size2.Height);
 
     /// <summary>Both lengths rounded up.</summary>
-    public static Size Ceiling(SizeF size) => new(Rounding.Up(size.Width), Rounding.Up(size.Height));
+    public static Size Ceiling(SizeF size) =>
+        new(Rounding.Up(size.Width), Rounding.Up(size.Height));
 
     /// <summary>Difference of two sizes.</summary>
-    public static Size Subtract(Size size1, Size size2) => new(size1.Width - size2.Width, size1.Height - size2.Height);
+    public static Size Subtract(Size size1, Size size2) =>
+        new(size1.Width - size2.Width, size1.Height - size2.Height);
 
     /// <summary>Both lengths cut towards zero.</summary>
-    public static Size Truncate(SizeF size) => new(Rounding.Cut(size.Width), Rounding.Cut(size.Height));
+    public static Size Truncate(SizeF size) =>
+        new(Rounding.Cut(size.Width), Rounding.Cut(size.Height));
 
     /// <summary>Both lengths rounded to the nearest whole number, halves to the even one.</summary>
-    public static Size Round(SizeF size) => new(Rounding.Nearest(size.Width), Rounding.Nearest(size.Height));
+    public static Size Round(SizeF size) =>
+        new(Rounding.Nearest(size.Width), Rounding.Nearest(size.Height));
 
     private readonly bool Same(Size other) => Width == other.Width && Height == other.Height;
 

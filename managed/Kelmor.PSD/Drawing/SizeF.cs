@@ -6,9 +6,7 @@ public struct SizeF
 {
     /// <summary>The size from the origin to a position.</summary>
     public SizeF(PointF point)
-        : this(point.X, point.Y)
-    {
-    }
+        : this(point.X, point.Y) { }
 
     /// <summary>A size from its two lengths.</summary>
     public SizeF(float width, float height)
@@ -40,10 +38,12 @@ public struct SizeF
     public static bool operator !=(SizeF left, SizeF right) => !left.Same(right);
 
     /// <summary>Sum of two sizes.</summary>
-    public static SizeF Add(SizeF size1, SizeF size2) => new(size1.Width + size2.Width, size1.Height + size2.Height);
+    public static SizeF Add(SizeF size1, SizeF size2) =>
+        new(size1.Width + size2.Width, size1.Height + size2.Height);
 
     /// <summary>Difference of two sizes.</summary>
-    public static SizeF Subtract(SizeF size1, SizeF size2) => new(size1.Width - size2.Width, size1.Height - size2.Height);
+    public static SizeF Subtract(SizeF size1, SizeF size2) =>
+        new(size1.Width - size2.Width, size1.Height - size2.Height);
 
     /// <summary>The size as a position.</summary>
     public readonly PointF ToPointF() => (PointF)this;

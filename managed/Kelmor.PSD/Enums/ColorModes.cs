@@ -1,7 +1,10 @@
 // Colour mode of a document.
 namespace Kelmor.PSD.FileFormats.Psd;
 
-/// <summary>Colour mode of a document: the field of the file header (Adobe Photoshop File Formats Specification, File Header Section).</summary>
+/// <summary>
+/// Colour mode of a document: the field of the file header (Adobe Photoshop File Formats
+/// Specification, File Header Section).
+/// </summary>
 public enum ColorModes : short
 {
     Bitmap = 0,

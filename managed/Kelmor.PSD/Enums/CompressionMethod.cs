@@ -1,7 +1,9 @@
 // How channel data are packed.
 namespace Kelmor.PSD.FileFormats.Psd;
 
-/// <summary>How channel data are packed (Adobe Photoshop File Formats Specification, Channel Image Data).</summary>
+/// <summary>
+/// How channel data are packed (Adobe Photoshop File Formats Specification, Channel Image Data).
+/// </summary>
 public enum CompressionMethod : short
 {
     Raw = 0,

@@ -1,7 +1,10 @@
 // Flags of a layer record.
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>Flags of a layer record (Adobe Photoshop File Formats Specification, Layer Records). Bit 1 set means hidden in the file.</summary>
+/// <summary>
+/// Flags of a layer record (Adobe Photoshop File Formats Specification, Layer Records). Bit 1 set
+/// means hidden in the file.
+/// </summary>
 [Flags]
 public enum LayerFlags : byte
 {

@@ -1,7 +1,10 @@
 // What of a layer is protected from changes.
 namespace Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
-/// <summary>What of a layer is protected from changes (Adobe Photoshop File Formats Specification, Protected setting).</summary>
+/// <summary>
+/// What of a layer is protected from changes (Adobe Photoshop File Formats Specification, Protected
+/// setting).
+/// </summary>
 [Flags]
 public enum LayerLockType : uint
 {

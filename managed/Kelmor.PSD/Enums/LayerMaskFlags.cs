@@ -1,7 +1,10 @@
 // Flags of a layer mask.
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>Flags of a layer mask (Adobe Photoshop File Formats Specification, Layer mask / adjustment layer data).</summary>
+/// <summary>
+/// Flags of a layer mask (Adobe Photoshop File Formats Specification, Layer mask / adjustment layer
+/// data).
+/// </summary>
 [Flags]
 public enum LayerMaskFlags : byte
 {

@@ -1,7 +1,9 @@
 // Kind of a group.
 namespace Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
-/// <summary>Kind of a group (Adobe Photoshop File Formats Specification, Section divider setting).</summary>
+/// <summary>
+/// Kind of a group (Adobe Photoshop File Formats Specification, Section divider setting).
+/// </summary>
 public enum LayerSectionSubtype
 {
     Normal = 0,

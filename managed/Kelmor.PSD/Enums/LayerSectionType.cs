@@ -1,7 +1,10 @@
 // Part that a layer record plays in a group.
 namespace Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
-/// <summary>Part that a layer record plays in a group (Adobe Photoshop File Formats Specification, Section divider setting).</summary>
+/// <summary>
+/// Part that a layer record plays in a group (Adobe Photoshop File Formats Specification, Section
+/// divider setting).
+/// </summary>
 public enum LayerSectionType
 {
     Other = 0,

@@ -1,7 +1,9 @@
 // Rotation clockwise in degrees, then a flip.
 namespace Kelmor.PSD;
 
-/// <summary>Rotation clockwise in degrees, then a flip; each of the eight results has two names.</summary>
+/// <summary>
+/// Rotation clockwise in degrees, then a flip; each of the eight results has two names.
+/// </summary>
 public enum RotateFlipType
 {
     RotateNoneFlipNone = 0,

@@ -8,20 +8,25 @@ public sealed class ChannelInformation
 {
     internal ChannelInformation(short id) => ChannelID = id;
 
-    /// <summary>0 and up: colour channels; -1 transparency, -2 user mask, -3 user mask beside a vector mask.</summary>
+    /// <summary>
+    /// 0 and up: colour channels; -1 transparency, -2 user mask, -3 user mask beside a vector mask.
+    /// </summary>
     public short ChannelID { get; }
 
     /// <summary>How the data are packed.</summary>
     public CompressionMethod CompressionMethod => Data.Method;
 
-    /// <summary>Bytes that the data took in the file, the compression field included; 0 for new ones.</summary>
+    /// <summary>
+    /// Bytes that the data took in the file, the compression field included; 0 for new ones.
+    /// </summary>
     public long Length => (long)StoredLength;
 
     internal ulong StoredLength { get; init; }
 
     internal ChannelData Data { get; set; } = new([], CompressionMethod.Raw);
 
-    internal ChannelInformation Copy() => new(ChannelID) { StoredLength = StoredLength, Data = Data.Copy() };
+    internal ChannelInformation Copy() =>
+        new(ChannelID) { StoredLength = StoredLength, Data = Data.Copy() };
 }
 
 /// <summary>Numbers of the channels that carry no colour.</summary>

@@ -5,12 +5,14 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
 public partial class Layer
 {
-    private protected override bool PixelsDecoded => Record.Channels.TrueForAll(channel => channel.Data.IsDecoded);
+    private protected override bool PixelsDecoded =>
+        Record.Channels.TrueForAll(channel => channel.Data.IsDecoded);
 
     private protected override float ImageOpacityCore => Record.Opacity / 255f;
 
     /// <summary>Decodes one channel, or null when the layer has none with this number.</summary>
-    internal byte[]? DecodeChannel(short id) => FindChannel(id)?.Data.Decode(Record.LayoutOf(id, Header.Depth));
+    internal byte[]? DecodeChannel(short id) =>
+        FindChannel(id)?.Data.Decode(Record.LayoutOf(id, Header.Depth));
 
     internal override void ReadPixels(Rectangle area, Span<int> pixels)
     {
@@ -25,7 +27,13 @@ public partial class Layer
         {
             colors[id] = DecodeChannel(id);
         }
-        var planes = new PixelPlanes(Header.Mode, layout, colors, DecodeChannel(ChannelIds.Transparency), null);
+        var planes = new PixelPlanes(
+            Header.Mode,
+            layout,
+            colors,
+            DecodeChannel(ChannelIds.Transparency),
+            null
+        );
         PixelReader.Read(planes, area, pixels);
     }
 
@@ -48,7 +56,11 @@ public partial class Layer
             colors[id] = Own(LayerPixels.FindOrAdd(Record, id, Header), layout);
         }
         var transparency = FindChannel(ChannelIds.Transparency)?.Data.Decode(layout);
-        PixelWriter.Write(new PixelPlanes(Header.Mode, layout, colors, transparency, null), area, pixels);
+        PixelWriter.Write(
+            new PixelPlanes(Header.Mode, layout, colors, transparency, null),
+            area,
+            pixels
+        );
         Touch();
         Document?.OnPixelsChanged();
     }
@@ -74,7 +86,12 @@ public partial class Layer
     /// <summary>Gives the layer a rectangle with transparent pixels.</summary>
     internal void Reset(Rectangle area)
     {
-        (Record.Left, Record.Top, Record.Right, Record.Bottom) = (area.Left, area.Top, area.Right, area.Bottom);
+        (Record.Left, Record.Top, Record.Right, Record.Bottom) = (
+            area.Left,
+            area.Top,
+            area.Right,
+            area.Bottom
+        );
         LayerPixels.Clear(Record, Header);
         Touch();
     }
@@ -102,17 +119,28 @@ public partial class Layer
     {
         if (bounds.Width < 0 || bounds.Height < 0)
         {
-            throw new ArgumentException($"The rectangle {bounds} has a negative size.", nameof(bounds));
+            throw new ArgumentException(
+                $"The rectangle {bounds} has a negative size.",
+                nameof(bounds)
+            );
         }
         var count = (long)bounds.Width * bounds.Height;
-        (Record.Left, Record.Top, Record.Right, Record.Bottom) = (bounds.Left, bounds.Top, bounds.Right, bounds.Bottom);
+        (Record.Left, Record.Top, Record.Right, Record.Bottom) = (
+            bounds.Left,
+            bounds.Top,
+            bounds.Right,
+            bounds.Bottom
+        );
         Record.Channels.Clear();
         for (short id = 0; id < planes.Length; id++)
         {
             ArgumentNullException.ThrowIfNull(planes[id]);
             if (planes[id].Length != count)
             {
-                throw new ArgumentException($"Channel {id} has {planes[id].Length} bytes for {count} pixels.", nameof(bounds));
+                throw new ArgumentException(
+                    $"Channel {id} has {planes[id].Length} bytes for {count} pixels.",
+                    nameof(bounds)
+                );
             }
             var data = new ChannelData((byte[])planes[id].Clone(), CompressionMethod.Rle);
             Record.Channels.Add(new ChannelInformation(id) { Data = data });
@@ -123,7 +151,9 @@ public partial class Layer
     // The samples of a channel as an array that may be changed in place.
     private static byte[] Own(ChannelInformation channel, PlaneLayout layout)
     {
-        var plane = channel.Data.IsChanged ? channel.Data.Decode(layout) : (byte[])channel.Data.Decode(layout).Clone();
+        var plane = channel.Data.IsChanged
+            ? channel.Data.Decode(layout)
+            : (byte[])channel.Data.Decode(layout).Clone();
         channel.Data.Replace(plane);
         return plane;
     }

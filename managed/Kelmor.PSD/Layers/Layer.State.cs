@@ -53,7 +53,8 @@ public partial class Layer
         return block;
     }
 
-    protected override void SaveData(Stream stream) => ImageSaving.Save(this, stream, null, Rectangle.Empty);
+    protected override void SaveData(Stream stream) =>
+        ImageSaving.Save(this, stream, null, Rectangle.Empty);
 
     private void Set<T>(T value, T present, Action<T> put)
         where T : struct
@@ -83,7 +84,9 @@ public partial class Layer
     private string PascalText()
     {
         var bytes = Record.PascalName.Span;
-        return bytes.IsEmpty ? "" : MacRoman.Decode(bytes.Slice(1, Math.Min(bytes[0], bytes.Length - 1)));
+        return bytes.IsEmpty
+            ? ""
+            : MacRoman.Decode(bytes.Slice(1, Math.Min(bytes[0], bytes.Length - 1)));
     }
 
     private void MoveTo(int left, int top)
@@ -99,5 +102,6 @@ public partial class Layer
         Touch();
     }
 
-    internal ChannelInformation? FindChannel(short id) => Record.Channels.Find(channel => channel.ChannelID == id);
+    internal ChannelInformation? FindChannel(short id) =>
+        Record.Channels.Find(channel => channel.ChannelID == id);
 }

@@ -5,7 +5,9 @@ using Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>A layer of a document (Adobe Photoshop File Formats Specification, Layer Records).</summary>
+/// <summary>
+/// A layer of a document (Adobe Photoshop File Formats Specification, Layer Records).
+/// </summary>
 public partial class Layer : RasterCachedImage
 {
     /// <summary>A layer without pixels at the document's origin.</summary>
@@ -35,7 +37,10 @@ public partial class Layer : RasterCachedImage
         : this()
     {
         using var image = Load(stream);
-        FillFrom(image as RasterImage ?? throw new ArgumentException("The stream holds no pixel image.", nameof(stream)));
+        FillFrom(
+            image as RasterImage
+                ?? throw new ArgumentException("The stream holds no pixel image.", nameof(stream))
+        );
     }
 
     /// <summary>An opaque layer from its channels.</summary>
@@ -44,8 +49,15 @@ public partial class Layer : RasterCachedImage
     /// <param name="greenBytes">The same for green.</param>
     /// <param name="blueBytes">The same for blue.</param>
     /// <param name="name">Name.</param>
-    /// <exception cref="ArgumentException">A channel has another number of bytes than the rectangle has pixels.</exception>
-    public Layer(Rectangle bounds, byte[] redBytes, byte[] greenBytes, byte[] blueBytes, string name)
+    /// <exception cref="ArgumentException">A channel has another number of bytes than the rectangle
+    /// has pixels.</exception>
+    public Layer(
+        Rectangle bounds,
+        byte[] redBytes,
+        byte[] greenBytes,
+        byte[] blueBytes,
+        string name
+    )
         : this()
     {
         FillFrom(bounds, redBytes, greenBytes, blueBytes);
@@ -55,9 +67,13 @@ public partial class Layer : RasterCachedImage
     /// <summary>Writes the layer alone to a stream in the format of the options.</summary>
     /// <param name="stream">Written from its present position on; it need not be seekable.</param>
     /// <param name="optionsBase">Options; null writes a PSD document with this one layer.</param>
-    /// <param name="boundsRectangle">The part, in pixels of the layer; Empty for the whole layer.</param>
-    public override void Save(Stream stream, ImageOptionsBase? optionsBase, Rectangle boundsRectangle) =>
-        base.Save(stream, optionsBase, boundsRectangle);
+    /// <param name="boundsRectangle">The part, in pixels of the layer; Empty for the whole
+    /// layer.</param>
+    public override void Save(
+        Stream stream,
+        ImageOptionsBase? optionsBase,
+        Rectangle boundsRectangle
+    ) => base.Save(stream, optionsBase, boundsRectangle);
 
     /// <summary>A copy that belongs to no document and changes on its own.</summary>
     public Layer ShallowCopy()
@@ -76,9 +92,12 @@ public partial class Layer : RasterCachedImage
     /// <summary>Puts the pixels of an image into this layer, which grows where it must.</summary>
     /// <param name="location">Place in the layer's own pixels.</param>
     /// <param name="image">Any pixel image.</param>
-    public void DrawImage(Point location, RasterImage image) => LayerDrawing.Draw(this, location, image);
+    public void DrawImage(Point location, RasterImage image) =>
+        LayerDrawing.Draw(this, location, image);
 
-    /// <summary>The tagged blocks of the layer, in file order; assigning takes the blocks of the array.</summary>
+    /// <summary>
+    /// The tagged blocks of the layer, in file order; assigning takes the blocks of the array.
+    /// </summary>
     public LayerResource[] Resources
     {
         get => [.. Record.Blocks];
@@ -121,7 +140,10 @@ public partial class Layer : RasterCachedImage
         {
             if (value is < 0 or > 255)
             {
-                throw new ArgumentOutOfRangeException(nameof(value), $"The fill opacity must lie between 0 and 255, not {value}.");
+                throw new ArgumentOutOfRangeException(
+                    nameof(value),
+                    $"The fill opacity must lie between 0 and 255, not {value}."
+                );
             }
             if (value != FillOpacity)
             {
@@ -160,14 +182,18 @@ public partial class Layer : RasterCachedImage
         set => MoveTo(value, Record.Top);
     }
 
-    /// <summary>Lower edge in the document, outside of the layer; setting it moves the layer.</summary>
+    /// <summary>
+    /// Lower edge in the document, outside of the layer; setting it moves the layer.
+    /// </summary>
     public int Bottom
     {
         get => Record.Bottom;
         set => MoveTo(Record.Left, checked(value - Record.Height));
     }
 
-    /// <summary>Right edge in the document, outside of the layer; setting it moves the layer.</summary>
+    /// <summary>
+    /// Right edge in the document, outside of the layer; setting it moves the layer.
+    /// </summary>
     public int Right
     {
         get => Record.Right;
@@ -191,7 +217,10 @@ public partial class Layer : RasterCachedImage
         {
             if (!Enum.IsDefined(value) || value == BlendMode.Absent)
             {
-                throw new ArgumentOutOfRangeException(nameof(value), $"A layer cannot have the blend mode {value}.");
+                throw new ArgumentOutOfRangeException(
+                    nameof(value),
+                    $"A layer cannot have the blend mode {value}."
+                );
             }
             Set((int)value, Record.BlendMode, mode => Record.BlendMode = mode);
         }
@@ -204,7 +233,9 @@ public partial class Layer : RasterCachedImage
         set => Set(value, Record.Opacity, opacity => Record.Opacity = opacity);
     }
 
-    /// <summary>0: a layer of its own; 1: clipped to the next layer below that is not clipped.</summary>
+    /// <summary>
+    /// 0: a layer of its own; 1: clipped to the next layer below that is not clipped.
+    /// </summary>
     public byte Clipping
     {
         get => Record.Clipping;
@@ -229,7 +260,8 @@ public partial class Layer : RasterCachedImage
     public int Length => Record.Raw.Length;
 
     /// <summary>Bytes of masks, ranges, name and blocks in the layer's record.</summary>
-    public int ExtraLength => Math.Max(0, Record.Raw.Length - LayerRecordSize.Head(Record, Header.IsBig));
+    public int ExtraLength =>
+        Math.Max(0, Record.Raw.Length - LayerRecordSize.Head(Record, Header.IsBig));
 
     /// <summary>Place and flags of the raster mask, or null.</summary>
     public LayerMaskData? LayerMaskData => LayerMaskData.Create(Record.Mask);
@@ -238,7 +270,9 @@ public partial class Layer : RasterCachedImage
     public LayerBlendingRangesData LayerBlendingRangesData => new(Record.BlendingRanges);
 
     /// <summary>Bits of a pixel, all channels but the masks together.</summary>
-    public override int BitsPerPixel => Header.Depth * Record.Channels.Count(channel => channel.ChannelID >= ChannelIds.Transparency);
+    public override int BitsPerPixel =>
+        Header.Depth
+        * Record.Channels.Count(channel => channel.ChannelID >= ChannelIds.Transparency);
 
     /// <summary>Height in pixels.</summary>
     public override int Height => Record.Height;

@@ -3,7 +3,9 @@ using System.Buffers.Binary;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>A range of one channel, each end with two values between which blending fades.</summary>
+/// <summary>
+/// A range of one channel, each end with two values between which blending fades.
+/// </summary>
 public sealed class BlendRange
 {
     internal BlendRange(uint source, uint destination)
@@ -12,14 +14,18 @@ public sealed class BlendRange
         Destination = unchecked((int)destination);
     }
 
-    /// <summary>Range of the layer: black 1, black 2, white 1, white 2, a byte each, the first highest.</summary>
+    /// <summary>
+    /// Range of the layer: black 1, black 2, white 1, white 2, a byte each, the first highest.
+    /// </summary>
     public int Source { get; }
 
     /// <summary>Range of what lies below, in the same form.</summary>
     public int Destination { get; }
 }
 
-/// <summary>Blending ranges (Adobe Photoshop File Formats Specification, Layer blending ranges).</summary>
+/// <summary>
+/// Blending ranges (Adobe Photoshop File Formats Specification, Layer blending ranges).
+/// </summary>
 public sealed class LayerBlendingRangesData
 {
     private readonly ReadOnlyMemory<byte> data;
@@ -39,7 +45,9 @@ public sealed class LayerBlendingRangesData
             {
                 var pair = data.Span[(i * 8)..];
                 ranges[i] = new BlendRange(
-                    BinaryPrimitives.ReadUInt32BigEndian(pair), BinaryPrimitives.ReadUInt32BigEndian(pair[4..]));
+                    BinaryPrimitives.ReadUInt32BigEndian(pair),
+                    BinaryPrimitives.ReadUInt32BigEndian(pair[4..])
+                );
             }
             return ranges;
         }

@@ -8,7 +8,8 @@ internal static class LayerDrawing
     {
         ArgumentNullException.ThrowIfNull(image);
         var area = new Rectangle(location, image.Size);
-        var grown = layer.Width == 0 || layer.Height == 0 ? area : Rectangle.Union(layer.Bounds, area);
+        var grown =
+            layer.Width == 0 || layer.Height == 0 ? area : Rectangle.Union(layer.Bounds, area);
         if (grown != layer.Bounds)
         {
             Grow(layer, grown);
@@ -31,8 +32,13 @@ internal static class LayerDrawing
     {
         var old = layer.Bounds;
         var pixels = layer.LoadArgb32Pixels(old);
-        layer.Reset(new Rectangle(layer.Left + grown.X, layer.Top + grown.Y, grown.Width, grown.Height));
-        layer.SaveArgb32Pixels(new Rectangle(old.X - grown.X, old.Y - grown.Y, old.Width, old.Height), pixels);
+        layer.Reset(
+            new Rectangle(layer.Left + grown.X, layer.Top + grown.Y, grown.Width, grown.Height)
+        );
+        layer.SaveArgb32Pixels(
+            new Rectangle(old.X - grown.X, old.Y - grown.Y, old.Width, old.Height),
+            pixels
+        );
     }
 
     // Straight alpha: colours are weighted by what each side contributes.
@@ -48,7 +54,11 @@ internal static class LayerDrawing
         var mixed = alpha << 24;
         for (var shift = 0; shift < 24; shift += 8)
         {
-            mixed |= (((source >> shift & 255) * above + (target >> shift & 255) * below + alpha / 2) / alpha) << shift;
+            mixed |=
+                (
+                    ((source >> shift & 255) * above + (target >> shift & 255) * below + alpha / 2)
+                    / alpha
+                ) << shift;
         }
         return mixed;
     }

@@ -64,24 +64,30 @@ internal static class LayerKinds
         {
             return new ShapeLayer(record, header);
         }
-        return record.Has("SoCo", "GdFl", "PtFl") ? new FillLayer(record, header) : new Layer(record, header);
+        return record.Has("SoCo", "GdFl", "PtFl")
+            ? new FillLayer(record, header)
+            : new Layer(record, header);
     }
 
     /// <summary>The part that a record plays in a group.</summary>
     public static LayerSectionType SectionOf(LayerRecord record)
     {
-        var block = record.Find(TaggedBlocks.Code("lsct")) ?? record.Find(TaggedBlocks.Code("lsdk"));
+        var block =
+            record.Find(TaggedBlocks.Code("lsct")) ?? record.Find(TaggedBlocks.Code("lsdk"));
         return (block as LayerSectionResource)?.SectionType ?? LayerSectionType.Other;
     }
 
-    // A vector mask alone may belong to a pixel layer: in a shape the pixels are only its rendering.
+    // A vector mask alone may belong to a pixel layer: in a shape the pixels are only its
+    // rendering.
     private static bool IsShape(LayerRecord record)
     {
         const byte PixelsIrrelevant = (byte)LayerFlags.PixelDataIrrelevantToAppearenceInDocument;
-        return (record.Flags & PixelsIrrelevant) != 0 && record.Has("vogk", "vmsk", "vsms", "vstk", "vscg");
+        return (record.Flags & PixelsIrrelevant) != 0
+            && record.Has("vogk", "vmsk", "vsms", "vstk", "vscg");
     }
 
-    private static Layer Mixer(LayerRecord record, PsdHeader header) => header.Mode == ColorModes.Cmyk
-        ? new CmykChannelMixerLayer(record, header)
-        : new RgbChannelMixerLayer(record, header);
+    private static Layer Mixer(LayerRecord record, PsdHeader header) =>
+        header.Mode == ColorModes.Cmyk
+            ? new CmykChannelMixerLayer(record, header)
+            : new RgbChannelMixerLayer(record, header);
 }

@@ -3,7 +3,9 @@ using System.Buffers.Binary;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>Place and flags of a layer mask (Adobe Photoshop File Formats Specification, Layer mask data).</summary>
+/// <summary>
+/// Place and flags of a layer mask (Adobe Photoshop File Formats Specification, Layer mask data).
+/// </summary>
 public abstract class LayerMaskData
 {
     private readonly ReadOnlyMemory<byte> data;
@@ -33,12 +35,13 @@ public abstract class LayerMaskData
 
     internal ReadOnlyMemory<byte> Data => data;
 
-    internal static LayerMaskData? Create(ReadOnlyMemory<byte> data) => data.Length switch
-    {
-        < 18 => null,
-        < MaskRectangles.WithRealMask => new LayerMaskDataShort(data),
-        _ => new LayerMaskDataFull(data),
-    };
+    internal static LayerMaskData? Create(ReadOnlyMemory<byte> data) =>
+        data.Length switch
+        {
+            < 18 => null,
+            < MaskRectangles.WithRealMask => new LayerMaskDataShort(data),
+            _ => new LayerMaskDataFull(data),
+        };
 
     /// <summary>The form without a second mask.</summary>
     internal static byte[] Build(Rectangle area, byte defaultColor, LayerMaskFlags flags)
@@ -58,18 +61,16 @@ public abstract class LayerMaskData
 public sealed class LayerMaskDataShort : LayerMaskData
 {
     internal LayerMaskDataShort(ReadOnlyMemory<byte> data)
-        : base(data)
-    {
-    }
+        : base(data) { }
 }
 
-/// <summary>A mask that was rendered from a vector mask and a user mask, with the user mask beside it.</summary>
+/// <summary>
+/// A mask that was rendered from a vector mask and a user mask, with the user mask beside it.
+/// </summary>
 public sealed class LayerMaskDataFull : LayerMaskData
 {
     internal LayerMaskDataFull(ReadOnlyMemory<byte> data)
-        : base(data)
-    {
-    }
+        : base(data) { }
 
     /// <summary>The user mask's own rectangle in the document, in pixels.</summary>
     public Rectangle UserMaskRectangle => MaskRectangles.Of(Data, real: true);

@@ -11,7 +11,9 @@ internal static class LayerPixels
         record.Channels.Clear();
         foreach (var id in PixelChannels(header))
         {
-            record.Channels.Add(new ChannelInformation(id) { Data = new ChannelData([], CompressionMethod.Raw) });
+            record.Channels.Add(
+                new ChannelInformation(id) { Data = new ChannelData([], CompressionMethod.Raw) }
+            );
         }
     }
 
@@ -23,7 +25,9 @@ internal static class LayerPixels
         foreach (var id in PixelChannels(header))
         {
             var plane = new byte[layout.ArrayLength];
-            record.Channels.Add(new ChannelInformation(id) { Data = new ChannelData(plane, CompressionMethod.Rle) });
+            record.Channels.Add(
+                new ChannelInformation(id) { Data = new ChannelData(plane, CompressionMethod.Rle) }
+            );
         }
     }
 
@@ -39,7 +43,10 @@ internal static class LayerPixels
         {
             Samples.FillOpaque(plane, header.Depth);
         }
-        var added = new ChannelInformation(id) { Data = new ChannelData(plane, CompressionMethod.Rle) };
+        var added = new ChannelInformation(id)
+        {
+            Data = new ChannelData(plane, CompressionMethod.Rle),
+        };
         record.Channels.Insert(id == ChannelIds.Transparency ? 0 : record.Channels.Count, added);
         return added;
     }

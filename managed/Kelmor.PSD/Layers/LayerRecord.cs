@@ -89,9 +89,22 @@ internal sealed class LayerRecord
     {
         var copy = new LayerRecord
         {
-            Raw = Raw, Top = Top, Left = Left, Bottom = Bottom, Right = Right, Signature = Signature,
-            BlendMode = BlendMode, Opacity = Opacity, Clipping = Clipping, Flags = Flags, Filler = Filler, Mask = Mask,
-            BlendingRanges = BlendingRanges, PascalName = PascalName, Rest = Rest, IsChanged = IsChanged,
+            Raw = Raw,
+            Top = Top,
+            Left = Left,
+            Bottom = Bottom,
+            Right = Right,
+            Signature = Signature,
+            BlendMode = BlendMode,
+            Opacity = Opacity,
+            Clipping = Clipping,
+            Flags = Flags,
+            Filler = Filler,
+            Mask = Mask,
+            BlendingRanges = BlendingRanges,
+            PascalName = PascalName,
+            Rest = Rest,
+            IsChanged = IsChanged,
         };
         copy.Channels.AddRange(Channels.Select(channel => channel.Copy()));
         copy.Blocks.AddRange(Blocks.Select(block => block.Copy()));

@@ -1,18 +1,22 @@
-// The nesting of a document's layers: a flat list in file order, with groups linked to what they hold.
+// The nesting of layers: a flat list in file order, with groups linked to what they hold.
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 using Kelmor.PSD.FileFormats.Core.Blending;
 using Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>Groups stand in the flat list as an end mark, their layers, and above those their head.</summary>
+/// <summary>
+/// Groups stand in the flat list as an end mark, their layers, and above those their head.
+/// </summary>
 internal sealed class LayerTree(PsdImage image)
 {
     private const int MostLayers = short.MaxValue;
 
     private List<Layer> Flat => image.File.Layers.Layers;
 
-    /// <summary>Finds the parents of all layers; heads and end marks without a partner stand alone.</summary>
+    /// <summary>
+    /// Finds the parents of all layers; heads and end marks without a partner stand alone.
+    /// </summary>
     public void Link()
     {
         var open = new Stack<(SectionDividerLayer End, List<Layer> Outer)>();
@@ -35,7 +39,9 @@ internal sealed class LayerTree(PsdImage image)
         }
     }
 
-    /// <summary>Puts a layer that belongs to no document into a group, or on the lowest level.</summary>
+    /// <summary>
+    /// Puts a layer that belongs to no document into a group, or on the lowest level.
+    /// </summary>
     public void Insert(LayerGroup? parent, Layer layer, int index)
     {
         ArgumentNullException.ThrowIfNull(layer);
@@ -78,7 +84,9 @@ internal sealed class LayerTree(PsdImage image)
         Changed();
     }
 
-    /// <summary>Takes other direct children of a group; groups among them bring their own layers.</summary>
+    /// <summary>
+    /// Takes other direct children of a group; groups among them bring their own layers.
+    /// </summary>
     public void ReplaceChildren(LayerGroup group, Layer[] children)
     {
         ArgumentNullException.ThrowIfNull(children);
@@ -92,7 +100,11 @@ internal sealed class LayerTree(PsdImage image)
         ReplaceAll([.. rest]);
     }
 
-    private static void Close(LayerGroup group, Stack<(SectionDividerLayer End, List<Layer> Outer)> open, ref List<Layer> level)
+    private static void Close(
+        LayerGroup group,
+        Stack<(SectionDividerLayer End, List<Layer> Outer)> open,
+        ref List<Layer> level
+    )
     {
         group.Children.Clear();
         group.End = null;
@@ -108,7 +120,8 @@ internal sealed class LayerTree(PsdImage image)
         level = frame.Outer;
     }
 
-    // A group in the tree is its end mark, its content and its head; one without an end mark gets one.
+    // A group in the tree is its end mark, its content and its head; one without an end mark gets
+    // one.
     private IEnumerable<Layer> WithContent(Layer layer)
     {
         if (layer is not LayerGroup group)
@@ -125,10 +138,15 @@ internal sealed class LayerTree(PsdImage image)
         {
             throw new PsdImageArgumentException($"The group '{parent.Name}' has no end mark.");
         }
-        var siblings = parent?.Children ?? Flat.Where(layer => layer is { Parent: null } and not SectionDividerLayer).ToList();
+        var siblings =
+            parent?.Children
+            ?? Flat.Where(layer => layer is { Parent: null } and not SectionDividerLayer).ToList();
         if ((uint)index > (uint)siblings.Count)
         {
-            throw new ArgumentOutOfRangeException(nameof(index), $"The index must lie between 0 and {siblings.Count}, not {index}.");
+            throw new ArgumentOutOfRangeException(
+                nameof(index),
+                $"The index must lie between 0 and {siblings.Count}, not {index}."
+            );
         }
         if (index < siblings.Count)
         {
@@ -142,7 +160,9 @@ internal sealed class LayerTree(PsdImage image)
     {
         if (layers.Length > MostLayers)
         {
-            throw new PsdImageArgumentException($"A document holds at most {MostLayers} layer records, not {layers.Length}.");
+            throw new PsdImageArgumentException(
+                $"A document holds at most {MostLayers} layer records, not {layers.Length}."
+            );
         }
         var seen = new HashSet<Layer>();
         var depth = 0;
@@ -150,16 +170,23 @@ internal sealed class LayerTree(PsdImage image)
         {
             if (layer is null || !seen.Add(layer))
             {
-                throw new PsdImageArgumentException("The layers contain an empty entry, or one layer twice.");
+                throw new PsdImageArgumentException(
+                    "The layers contain an empty entry, or one layer twice."
+                );
             }
             if (layer.Document != image)
             {
                 VerifyFree(layer);
             }
-            depth += layer is SectionDividerLayer ? 1 : layer is LayerGroup ? -1 : 0;
+            depth +=
+                layer is SectionDividerLayer ? 1
+                : layer is LayerGroup ? -1
+                : 0;
             if (depth < 0)
             {
-                throw new PsdImageArgumentException($"The group '{layer.Name}' has no end mark below it.");
+                throw new PsdImageArgumentException(
+                    $"The group '{layer.Name}' has no end mark below it."
+                );
             }
         }
         if (depth != 0)
@@ -173,7 +200,9 @@ internal sealed class LayerTree(PsdImage image)
         ObjectDisposedException.ThrowIf(layer.Disposed, layer);
         if (layer.Document is not null)
         {
-            throw new PsdImageArgumentException($"The layer '{layer.Name}' belongs to a document already; add a copy of it.");
+            throw new PsdImageArgumentException(
+                $"The layer '{layer.Name}' belongs to a document already; add a copy of it."
+            );
         }
     }
 
@@ -181,7 +210,9 @@ internal sealed class LayerTree(PsdImage image)
     {
         if (Flat.Count + count > MostLayers)
         {
-            throw new PsdImageArgumentException($"A document holds at most {MostLayers} layer records.");
+            throw new PsdImageArgumentException(
+                $"A document holds at most {MostLayers} layer records."
+            );
         }
     }
 
@@ -209,10 +240,20 @@ internal sealed class LayerTree(PsdImage image)
 
     private Layer CreateMark(LayerSectionType type, BlendMode? mode)
     {
-        var record = new LayerRecord { IsChanged = true, BlendMode = (int)(mode ?? BlendMode.Normal) };
+        var record = new LayerRecord
+        {
+            IsChanged = true,
+            BlendMode = (int)(mode ?? BlendMode.Normal),
+        };
         // The pixels of a mark say nothing.
         record.Flags |= (byte)LayerFlags.PixelDataIrrelevantToAppearenceInDocument;
-        record.Blocks.Add(new LayerSectionResource(TaggedBlocks.Signature, TaggedBlocks.Code("lsct"), LayerSectionResource.Build(type, mode)));
+        record.Blocks.Add(
+            new LayerSectionResource(
+                TaggedBlocks.Signature,
+                TaggedBlocks.Code("lsct"),
+                LayerSectionResource.Build(type, mode)
+            )
+        );
         LayerPixels.AddEmptyChannels(record, image.File.Header);
         return LayerKinds.Create(record, image.File.Header);
     }

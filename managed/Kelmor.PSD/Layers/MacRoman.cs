@@ -27,7 +27,10 @@ internal static class MacRoman
         for (var i = 0; i < bytes.Length; i++)
         {
             var index = text[i] < 128 ? text[i] - 128 : Upper.IndexOf(text[i]);
-            bytes[i] = text[i] < 128 ? (byte)text[i] : index < 0 ? (byte)'?' : (byte)(index + 128);
+            bytes[i] =
+                text[i] < 128 ? (byte)text[i]
+                : index < 0 ? (byte)'?'
+                : (byte)(index + 128);
         }
         return bytes;
     }

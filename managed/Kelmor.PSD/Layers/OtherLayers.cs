@@ -5,9 +5,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
     public sealed class SectionDividerLayer : Layer
     {
         internal SectionDividerLayer(LayerRecord record, PsdHeader header)
-            : base(record, header)
-        {
-        }
+            : base(record, header) { }
 
         /// <summary>The group that ends here.</summary>
         public LayerGroup? GetRelatedLayerGroup() => Group;
@@ -26,9 +24,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
     public sealed class ShapeLayer : Layer, IShapeLayer
     {
         internal ShapeLayer(LayerRecord record, PsdHeader header)
-            : base(record, header)
-        {
-        }
+            : base(record, header) { }
 
         /// <summary>Renders the shape anew after changes.</summary>
         public void Update() => throw NotYet.Member();
@@ -38,9 +34,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
     public sealed class ArtboardLayer : LayerGroup
     {
         internal ArtboardLayer(LayerRecord record, PsdHeader header)
-            : base(record, header)
-        {
-        }
+            : base(record, header) { }
     }
 }
 
@@ -50,9 +44,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers.FillLayers
     public sealed class FillLayer : Layer
     {
         internal FillLayer(LayerRecord record, PsdHeader header)
-            : base(record, header)
-        {
-        }
+            : base(record, header) { }
 
         /// <summary>Renders the fill anew after changes.</summary>
         public void Update() => throw NotYet.Member();
@@ -65,9 +57,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers.SmartObjects
     public class SmartObjectLayer : Layer
     {
         internal SmartObjectLayer(LayerRecord record, PsdHeader header)
-            : base(record, header)
-        {
-        }
+            : base(record, header) { }
 
         /// <summary>The image that the layer shows.</summary>
         public Image LoadContents(LoadOptions? options) => throw NotYet.Member();

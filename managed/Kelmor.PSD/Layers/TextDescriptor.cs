@@ -4,7 +4,9 @@ using System.Text;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>The block "TySh" (Adobe Photoshop File Formats Specification, Type tool object setting).</summary>
+/// <summary>
+/// The block "TySh" (Adobe Photoshop File Formats Specification, Type tool object setting).
+/// </summary>
 internal static class TextDescriptor
 {
     private const int MatrixStart = 2;

@@ -8,9 +8,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
     public class TextLayer : Layer
     {
         internal TextLayer(LayerRecord record, PsdHeader header)
-            : base(record, header)
-        {
-        }
+            : base(record, header) { }
 
         /// <summary>Changes the text; its first style is kept.</summary>
         public void UpdateText(string text) => throw NotYet.Member();
@@ -25,7 +23,8 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
         public void UpdateText(string text, float fontSize, Color color) => throw NotYet.Member();
 
         /// <inheritdoc/>
-        public override void Resize(int newWidth, int newHeight, ResizeType resizeType) => throw NotYet.Member();
+        public override void Resize(int newWidth, int newHeight, ResizeType resizeType) =>
+            throw NotYet.Member();
 
         /// <summary>The fonts that the text uses.</summary>
         public TextFontInfo[] GetFonts() => throw NotYet.Member();
@@ -48,7 +47,9 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
         /// <summary>Colour of the first characters.</summary>
         public Color TextColor => throw NotYet.Member();
 
-        /// <summary>Matrix from the text's own space to the document: xx, xy, yx, yy, tx, ty.</summary>
+        /// <summary>
+        /// Matrix from the text's own space to the document: xx, xy, yx, yy, tx, ty.
+        /// </summary>
         public double[] TransformMatrix => TextDescriptor.MatrixOf(Record);
 
         /// <summary>How the text is bent.</summary>
@@ -78,9 +79,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers.Text
 namespace Kelmor.PSD.FileFormats.Psd.Layers.Warp
 {
     /// <summary>How a layer is bent.</summary>
-    public class WarpSettings
-    {
-    }
+    public class WarpSettings { }
 }
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers.LayerEffects

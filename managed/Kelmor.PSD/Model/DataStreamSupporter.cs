@@ -7,7 +7,9 @@ public abstract class DataStreamSupporter : DisposableObject
     /// <summary>The stream that the data came from; null for what was made in memory.</summary>
     public StreamContainer? DataStreamContainer { get; internal set; }
 
-    /// <summary>True when all data are decoded, so that the stream is not needed any more.</summary>
+    /// <summary>
+    /// True when all data are decoded, so that the stream is not needed any more.
+    /// </summary>
     public abstract bool IsCached { get; }
 
     /// <summary>Decodes all data now instead of at first use.</summary>
@@ -27,7 +29,8 @@ public abstract class DataStreamSupporter : DisposableObject
     /// <summary>Writes the data to a file.</summary>
     /// <param name="filePath">Path of the file.</param>
     /// <param name="overWrite">False: a file that is there already is an exception.</param>
-    /// <exception cref="CoreExceptions.ImageSaveException">The file is there already and is not to be replaced.</exception>
+    /// <exception cref="CoreExceptions.ImageSaveException">The file is there already and is not to
+    /// be replaced.</exception>
     public virtual void Save(string filePath, bool overWrite)
     {
         ArgumentException.ThrowIfNullOrEmpty(filePath);

@@ -1,7 +1,9 @@
 // The root of everything that holds resources and is ended once.
 namespace Kelmor.PSD;
 
-/// <summary>An object that is ended by <see cref="Dispose()"/>; afterwards its work raises an exception.</summary>
+/// <summary>
+/// An object that is ended by <see cref="Dispose()"/>; afterwards its work raises an exception.
+/// </summary>
 public abstract class DisposableObject : IDisposable
 {
     /// <summary>True after the object was disposed of.</summary>
@@ -19,9 +21,7 @@ public abstract class DisposableObject : IDisposable
     }
 
     /// <summary>Lets go of what this object owns; called once.</summary>
-    protected virtual void ReleaseManagedResources()
-    {
-    }
+    protected virtual void ReleaseManagedResources() { }
 
     /// <summary>Refuses work after the end.</summary>
     /// <exception cref="ObjectDisposedException">The object was disposed of.</exception>

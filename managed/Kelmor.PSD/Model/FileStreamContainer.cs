@@ -6,7 +6,8 @@ public class FileStreamContainer : StreamContainer
 {
     /// <summary>Opens a file for reading.</summary>
     public FileStreamContainer(string filePath)
-        : base(new FileStream(filePath, FileMode.Open, FileAccess.Read, FileShare.Read), true) => FilePath = filePath;
+        : base(new FileStream(filePath, FileMode.Open, FileAccess.Read, FileShare.Read), true) =>
+        FilePath = filePath;
 
     /// <summary>Path of the file.</summary>
     public string FilePath { get; }

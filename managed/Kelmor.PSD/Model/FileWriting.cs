@@ -5,8 +5,11 @@ namespace Kelmor.PSD;
 
 internal static class FileWriting
 {
-    /// <summary>Runs a writer over a new file and puts that in place of the old one once it is complete.</summary>
-    /// <exception cref="ImageSaveException">The file is there already and is not to be replaced.</exception>
+    /// <summary>
+    /// Runs a writer over a new file and puts that in place of the old one once it is complete.
+    /// </summary>
+    /// <exception cref="ImageSaveException">The file is there already and is not to be
+    /// replaced.</exception>
     public static void Write(string filePath, bool overWrite, Action<Stream> write)
     {
         if (!overWrite && File.Exists(filePath))
@@ -28,7 +31,15 @@ internal static class FileWriting
         var neighbour = $"{target}.{Environment.ProcessId}-{Guid.NewGuid():N}.part";
         try
         {
-            using (var file = new FileStream(neighbour, FileMode.CreateNew, FileAccess.Write, FileShare.None, 1 << 16))
+            using (
+                var file = new FileStream(
+                    neighbour,
+                    FileMode.CreateNew,
+                    FileAccess.Write,
+                    FileShare.None,
+                    1 << 16
+                )
+            )
             {
                 write(file);
             }
@@ -47,7 +58,9 @@ internal static class FileWriting
 
     // The name may be a link to the document proper: that one is replaced, not the link.
     private static string ResolveLink(string path) =>
-        File.Exists(path) ? File.ResolveLinkTarget(path, returnFinalTarget: true)?.FullName ?? path : path;
+        File.Exists(path)
+            ? File.ResolveLinkTarget(path, returnFinalTarget: true)?.FullName ?? path
+            : path;
 
     // Devices take bytes but cannot be replaced by a file.
     private static bool IsDevice(string path) => path.StartsWith("/dev/", StringComparison.Ordinal);

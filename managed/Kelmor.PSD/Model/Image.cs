@@ -11,18 +11,26 @@ public abstract class Image : DataStreamSupporter
     private Color backgroundColor;
 
     /// <summary>True when a file holds an image that can be loaded with these options.</summary>
-    public static bool CanLoad(string filePath, LoadOptions? loadOptions) => ImageLoading.CanLoad(filePath);
+    public static bool CanLoad(string filePath, LoadOptions? loadOptions) =>
+        ImageLoading.CanLoad(filePath);
 
-    /// <summary>True when a file holds an image that can be loaded; a file that is not there gives false.</summary>
+    /// <summary>
+    /// True when a file holds an image that can be loaded; a file that is not there gives false.
+    /// </summary>
     public static bool CanLoad(string filePath) => ImageLoading.CanLoad(filePath);
 
     /// <summary>True when a stream holds an image that can be loaded with these options.</summary>
-    public static bool CanLoad(Stream stream, LoadOptions? loadOptions) => ImageLoading.CanLoad(stream);
+    public static bool CanLoad(Stream stream, LoadOptions? loadOptions) =>
+        ImageLoading.CanLoad(stream);
 
-    /// <summary>True when a stream holds an image that can be loaded; its position stays where it was.</summary>
+    /// <summary>
+    /// True when a stream holds an image that can be loaded; its position stays where it was.
+    /// </summary>
     public static bool CanLoad(Stream stream) => ImageLoading.CanLoad(stream);
 
-    /// <summary>Format of a file, by its first bytes; Undefined for one that is not known.</summary>
+    /// <summary>
+    /// Format of a file, by its first bytes; Undefined for one that is not known.
+    /// </summary>
     public static FileFormat GetFileFormat(string filePath) => ImageLoading.FormatOf(filePath);
 
     /// <summary>Format of a stream, by its next bytes; its position stays where it was.</summary>
@@ -35,7 +43,10 @@ public abstract class Image : DataStreamSupporter
         var inside = Rectangle.Intersect(rectangle, new Rectangle(0, 0, width, height));
         return inside.Width > 0 && inside.Height > 0
             ? inside
-            : throw new ArgumentOutOfRangeException(nameof(rectangle), $"The rectangle {rectangle} lies outside of an image of {width} x {height} pixels.");
+            : throw new ArgumentOutOfRangeException(
+                nameof(rectangle),
+                $"The rectangle {rectangle} lies outside of an image of {width} x {height} pixels."
+            );
     }
 
     /// <summary>The same, where pixels are given for the whole of the rectangle.</summary>
@@ -43,8 +54,14 @@ public abstract class Image : DataStreamSupporter
     /// <param name="pixels">As many numbers as the rectangle has pixels.</param>
     /// <param name="width">Width of the image in pixels.</param>
     /// <param name="height">Height of the image in pixels.</param>
-    /// <exception cref="ArgumentException">There are fewer pixels than the rectangle has.</exception>
-    public static Rectangle GetFittingRectangle(Rectangle rectangle, int[] pixels, int width, int height)
+    /// <exception cref="ArgumentException">There are fewer pixels than the rectangle
+    /// has.</exception>
+    public static Rectangle GetFittingRectangle(
+        Rectangle rectangle,
+        int[] pixels,
+        int width,
+        int height
+    )
     {
         ArgumentNullException.ThrowIfNull(pixels);
         PixelAreas.VerifyCount(rectangle, pixels.Length);
@@ -56,18 +73,23 @@ public abstract class Image : DataStreamSupporter
     /// <param name="loadOptions">Options, or null for the defaults.</param>
     /// <exception cref="FileNotFoundException">There is no such file.</exception>
     /// <exception cref="ImageLoadException">The format is not known.</exception>
-    /// <exception cref="CoreExceptions.ImageFormats.PsdImageException">The document is damaged.</exception>
-    public static Image Load(string filePath, LoadOptions? loadOptions) => ImageLoading.Load(filePath, loadOptions);
+    /// <exception cref="CoreExceptions.ImageFormats.PsdImageException">The document is
+    /// damaged.</exception>
+    public static Image Load(string filePath, LoadOptions? loadOptions) =>
+        ImageLoading.Load(filePath, loadOptions);
 
     /// <summary>Loads an image from a file.</summary>
     public static Image Load(string filePath) => ImageLoading.Load(filePath, null);
 
     /// <summary>Loads an image from a stream.</summary>
-    /// <param name="stream">Read from its present position to its end; it may be closed afterwards.</param>
+    /// <param name="stream">Read from its present position to its end; it may be closed
+    /// afterwards.</param>
     /// <param name="loadOptions">Options, or null for the defaults.</param>
     /// <exception cref="ImageLoadException">The format is not known.</exception>
-    /// <exception cref="CoreExceptions.ImageFormats.PsdImageException">The document is damaged.</exception>
-    public static Image Load(Stream stream, LoadOptions? loadOptions) => ImageLoading.Load(stream, loadOptions);
+    /// <exception cref="CoreExceptions.ImageFormats.PsdImageException">The document is
+    /// damaged.</exception>
+    public static Image Load(Stream stream, LoadOptions? loadOptions) =>
+        ImageLoading.Load(stream, loadOptions);
 
     /// <summary>Loads an image from a stream, from its present position on.</summary>
     public static Image Load(Stream stream) => ImageLoading.Load(stream, null);
@@ -81,13 +103,16 @@ public abstract class Image : DataStreamSupporter
         ImageLoading.Create(imageOptions, width, height);
 
     /// <summary>Changes the size, by the nearest pixel.</summary>
-    public void Resize(int newWidth, int newHeight) => Resize(newWidth, newHeight, ResizeType.NearestNeighbourResample);
+    public void Resize(int newWidth, int newHeight) =>
+        Resize(newWidth, newHeight, ResizeType.NearestNeighbourResample);
 
     /// <summary>Changes the size.</summary>
-    public virtual void Resize(int newWidth, int newHeight, ResizeType resizeType) => throw NotYet.Member();
+    public virtual void Resize(int newWidth, int newHeight, ResizeType resizeType) =>
+        throw NotYet.Member();
 
     /// <summary>Changes the size.</summary>
-    public virtual void Resize(int newWidth, int newHeight, ImageResizeSettings settings) => throw NotYet.Member();
+    public virtual void Resize(int newWidth, int newHeight, ImageResizeSettings settings) =>
+        throw NotYet.Member();
 
     /// <summary>Changes the width, and the height in proportion.</summary>
     public void ResizeWidthProportionally(int newWidth) =>
@@ -114,13 +139,15 @@ public abstract class Image : DataStreamSupporter
         Resize(GetProportionalWidth(Width, Height, newHeight), newHeight, settings);
 
     /// <summary>Writes the image back to the file or stream that it was loaded from.</summary>
-    /// <exception cref="ImageSaveException">The image was made in memory, or its stream cannot be written.</exception>
+    /// <exception cref="ImageSaveException">The image was made in memory, or its stream cannot be
+    /// written.</exception>
     public void Save() => ImageSaving.SaveToOrigin(this);
 
     /// <summary>Writes the image to a file in the format of the options.</summary>
     /// <param name="filePath">Path of the file, which is replaced.</param>
     /// <param name="options">Options; null keeps the image's own format.</param>
-    public void Save(string filePath, ImageOptionsBase? options) => Save(filePath, options, Rectangle.Empty);
+    public void Save(string filePath, ImageOptionsBase? options) =>
+        Save(filePath, options, Rectangle.Empty);
 
     /// <summary>Writes a part of the image to a file in the format of the options.</summary>
     /// <param name="filePath">Path of the file, which is replaced.</param>
@@ -130,19 +157,28 @@ public abstract class Image : DataStreamSupporter
     {
         ArgumentException.ThrowIfNullOrEmpty(filePath);
         VerifyNotDisposed();
-        FileWriting.Write(filePath, true, stream => ImageSaving.Save(this, stream, options, boundsRectangle));
+        FileWriting.Write(
+            filePath,
+            true,
+            stream => ImageSaving.Save(this, stream, options, boundsRectangle)
+        );
     }
 
     /// <summary>Writes the image to a stream in the format of the options.</summary>
     /// <param name="stream">Written from its present position on; it need not be seekable.</param>
     /// <param name="optionsBase">Options; null keeps the image's own format.</param>
-    public void Save(Stream stream, ImageOptionsBase? optionsBase) => Save(stream, optionsBase, Rectangle.Empty);
+    public void Save(Stream stream, ImageOptionsBase? optionsBase) =>
+        Save(stream, optionsBase, Rectangle.Empty);
 
     /// <summary>Writes a part of the image to a stream in the format of the options.</summary>
     /// <param name="stream">Written from its present position on; it need not be seekable.</param>
     /// <param name="optionsBase">Options; null keeps the image's own format.</param>
     /// <param name="boundsRectangle">The part, in pixels; Empty for the whole image.</param>
-    public virtual void Save(Stream stream, ImageOptionsBase? optionsBase, Rectangle boundsRectangle)
+    public virtual void Save(
+        Stream stream,
+        ImageOptionsBase? optionsBase,
+        Rectangle boundsRectangle
+    )
     {
         ArgumentNullException.ThrowIfNull(stream);
         VerifyNotDisposed();
@@ -164,14 +200,22 @@ public abstract class Image : DataStreamSupporter
 
     /// <summary>Gives the image another palette.</summary>
     /// <param name="palette">The palette.</param>
-    /// <param name="updateColors">True: pixels choose the nearest new entry; false: they keep their index.</param>
-    public virtual void SetPalette(IColorPalette? palette, bool updateColors) => throw NotYet.Member();
+    /// <param name="updateColors">True: pixels choose the nearest new entry; false: they keep their
+    /// index.</param>
+    public virtual void SetPalette(IColorPalette? palette, bool updateColors) =>
+        throw NotYet.Member();
 
-    /// <summary>Width that keeps the proportions at another height, in pixels, at least 1.</summary>
-    public static int GetProportionalWidth(int width, int height, int newHeight) => Proportional(width, height, newHeight);
+    /// <summary>
+    /// Width that keeps the proportions at another height, in pixels, at least 1.
+    /// </summary>
+    public static int GetProportionalWidth(int width, int height, int newHeight) =>
+        Proportional(width, height, newHeight);
 
-    /// <summary>Height that keeps the proportions at another width, in pixels, at least 1.</summary>
-    public static int GetProportionalHeight(int width, int height, int newWidth) => Proportional(height, width, newWidth);
+    /// <summary>
+    /// Height that keeps the proportions at another width, in pixels, at least 1.
+    /// </summary>
+    public static int GetProportionalHeight(int width, int height, int newWidth) =>
+        Proportional(height, width, newWidth);
 
     /// <summary>Bits of a pixel, all channels together.</summary>
     public abstract int BitsPerPixel { get; }

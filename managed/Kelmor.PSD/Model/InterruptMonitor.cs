@@ -12,7 +12,9 @@ public class InterruptMonitor
     /// <summary>True once somebody asked to stop.</summary>
     public virtual bool IsInterrupted => interrupted;
 
-    /// <summary>The monitor that the operations of this thread look at when their image has none.</summary>
+    /// <summary>
+    /// The monitor that the operations of this thread look at when their image has none.
+    /// </summary>
     public static InterruptMonitor? ThreadLocalInstance
     {
         get => threadLocalInstance;

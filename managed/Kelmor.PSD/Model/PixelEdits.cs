@@ -3,13 +3,27 @@ namespace Kelmor.PSD;
 
 internal static class PixelEdits
 {
-    /// <summary>Replaces a colour and those that differ from it by at most `difference` in each channel.</summary>
-    public static void ReplaceColor(RasterImage image, int oldColor, byte difference, int newColor) =>
-        Change(image, pixel => IsNear(pixel, oldColor, difference) ? newColor : pixel);
+    /// <summary>
+    /// Replaces a colour and those that differ from it by at most `difference` in each channel.
+    /// </summary>
+    public static void ReplaceColor(
+        RasterImage image,
+        int oldColor,
+        byte difference,
+        int newColor
+    ) => Change(image, pixel => IsNear(pixel, oldColor, difference) ? newColor : pixel);
 
-    /// <summary>Gives every pixel that is not wholly transparent another colour under its own alpha.</summary>
+    /// <summary>
+    /// Gives every pixel that is not wholly transparent another colour under its own alpha.
+    /// </summary>
     public static void ReplaceNonTransparentColors(RasterImage image, int newColor) =>
-        Change(image, pixel => (pixel & unchecked((int)0xFF000000)) == 0 ? pixel : pixel & unchecked((int)0xFF000000) | newColor & 0xFFFFFF);
+        Change(
+            image,
+            pixel =>
+                (pixel & unchecked((int)0xFF000000)) == 0
+                    ? pixel
+                    : pixel & unchecked((int)0xFF000000) | newColor & 0xFFFFFF
+        );
 
     /// <summary>Multiplies the colours by their alpha, rounded.</summary>
     public static void Premultiply(Span<int> pixels)
@@ -17,8 +31,11 @@ internal static class PixelEdits
         foreach (ref var pixel in pixels)
         {
             var alpha = (int)((uint)pixel >> 24);
-            pixel = pixel & unchecked((int)0xFF000000)
-                | ColorMath.Scaled(pixel >> 16, alpha) << 16 | ColorMath.Scaled(pixel >> 8, alpha) << 8 | ColorMath.Scaled(pixel, alpha);
+            pixel =
+                pixel & unchecked((int)0xFF000000)
+                | ColorMath.Scaled(pixel >> 16, alpha) << 16
+                | ColorMath.Scaled(pixel >> 8, alpha) << 8
+                | ColorMath.Scaled(pixel, alpha);
         }
     }
 
@@ -26,7 +43,11 @@ internal static class PixelEdits
     public static long Widen(int argb)
     {
         var value = unchecked((uint)argb);
-        ulong spread = value & 0xFF | (value & 0xFF00UL) << 8 | (value & 0xFF0000UL) << 16 | (value & 0xFF000000UL) << 24;
+        ulong spread =
+            value & 0xFF
+            | (value & 0xFF00UL) << 8
+            | (value & 0xFF0000UL) << 16
+            | (value & 0xFF000000UL) << 24;
         return unchecked((long)(spread * 257));
     }
 

@@ -68,7 +68,8 @@ namespace Kelmor.PSD
         public int BitsPerPixel { get; }
 
         /// <summary>A format by its parts.</summary>
-        internal static PixelDataFormat Of(PixelFormat format, int channels, int bits) => new(format, channels, bits);
+        internal static PixelDataFormat Of(PixelFormat format, int channels, int bits) =>
+            new(format, channels, bits);
     }
 
     /// <summary>How raw data are laid out.</summary>
@@ -91,7 +92,5 @@ namespace Kelmor.PSD
 namespace Kelmor.PSD.ImageFilters.FilterOptions
 {
     /// <summary>Settings of a filter.</summary>
-    public abstract class FilterOptionsBase
-    {
-    }
+    public abstract class FilterOptionsBase { }
 }

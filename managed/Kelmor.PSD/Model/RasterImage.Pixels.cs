@@ -21,7 +21,12 @@ public abstract partial class RasterImage
         for (var done = 0; done < area.Height; done += rows)
         {
             VerifyNotInterrupted();
-            yield return new Rectangle(area.X, area.Y + done, area.Width, Math.Min(rows, area.Height - done));
+            yield return new Rectangle(
+                area.X,
+                area.Y + done,
+                area.Width,
+                Math.Min(rows, area.Height - done)
+            );
         }
     }
 }

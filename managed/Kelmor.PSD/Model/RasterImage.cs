@@ -13,7 +13,11 @@ public abstract partial class RasterImage : Image
     /// <param name="stream">Written from its present position on; it need not be seekable.</param>
     /// <param name="optionsBase">Options; null keeps the image's own format.</param>
     /// <param name="boundsRectangle">The part, in pixels; Empty for the whole image.</param>
-    public override void Save(Stream stream, ImageOptionsBase? optionsBase, Rectangle boundsRectangle)
+    public override void Save(
+        Stream stream,
+        ImageOptionsBase? optionsBase,
+        Rectangle boundsRectangle
+    )
     {
         VerifyNotInterrupted();
         base.Save(stream, optionsBase, boundsRectangle);
@@ -22,22 +26,33 @@ public abstract partial class RasterImage : Image
     /// <summary>Reduces the number of colours.</summary>
     /// <param name="ditheringMethod">How missing colours are imitated.</param>
     /// <param name="bitsCount">Bits of a pixel afterwards, 1 to 8.</param>
-    public void Dither(DitheringMethod ditheringMethod, int bitsCount) => Dither(ditheringMethod, bitsCount, null);
+    public void Dither(DitheringMethod ditheringMethod, int bitsCount) =>
+        Dither(ditheringMethod, bitsCount, null);
 
     /// <summary>Reduces the number of colours to those of a palette.</summary>
-    public virtual void Dither(DitheringMethod ditheringMethod, int bitsCount, IColorPalette? customPalette) =>
-        throw NotYet.Member();
+    public virtual void Dither(
+        DitheringMethod ditheringMethod,
+        int bitsCount,
+        IColorPalette? customPalette
+    ) => throw NotYet.Member();
 
     /// <summary>Pixels in the layout of the settings, handed over block by block.</summary>
-    public void GetDefaultRawData(Rectangle rectangle, IPartialRawDataLoader partialRawDataLoader, RawDataSettings rawDataSettings) =>
-        throw NotYet.Member();
+    public void GetDefaultRawData(
+        Rectangle rectangle,
+        IPartialRawDataLoader partialRawDataLoader,
+        RawDataSettings rawDataSettings
+    ) => throw NotYet.Member();
 
     /// <summary>Pixels in the layout of the settings.</summary>
-    public byte[] GetDefaultRawData(Rectangle rectangle, RawDataSettings rawDataSettings) => throw NotYet.Member();
+    public byte[] GetDefaultRawData(Rectangle rectangle, RawDataSettings rawDataSettings) =>
+        throw NotYet.Member();
 
     /// <summary>Stored data of a rectangle, handed over block by block.</summary>
-    public void LoadRawData(Rectangle rectangle, RawDataSettings rawDataSettings, IPartialRawDataLoader rawDataLoader) =>
-        throw NotYet.Member();
+    public void LoadRawData(
+        Rectangle rectangle,
+        RawDataSettings rawDataSettings,
+        IPartialRawDataLoader rawDataLoader
+    ) => throw NotYet.Member();
 
     /// <summary>Changes the size.</summary>
     public override void Resize(int newWidth, int newHeight, ImageResizeSettings settings)
@@ -50,11 +65,21 @@ public abstract partial class RasterImage : Image
     public virtual void Crop(Rectangle rectangle) => throw NotYet.Member();
 
     /// <summary>Cuts the image down by a number of pixels on each side.</summary>
-    public virtual void Crop(int leftShift, int rightShift, int topShift, int bottomShift) => Crop(
-        Rectangle.FromLeftTopRightBottom(leftShift, topShift, Width - rightShift, Height - bottomShift));
+    public virtual void Crop(int leftShift, int rightShift, int topShift, int bottomShift) =>
+        Crop(
+            Rectangle.FromLeftTopRightBottom(
+                leftShift,
+                topShift,
+                Width - rightShift,
+                Height - bottomShift
+            )
+        );
 
-    /// <summary>Makes pixels black or white by the mean of their neighbourhood (Bradley and Roth, 2007).</summary>
-    public virtual void BinarizeBradley(double brightnessDifference, int windowSize) => throw NotYet.Member();
+    /// <summary>
+    /// Makes pixels black or white by the mean of their neighbourhood (Bradley and Roth, 2007).
+    /// </summary>
+    public virtual void BinarizeBradley(double brightnessDifference, int windowSize) =>
+        throw NotYet.Member();
 
     /// <summary>Makes pixels black or white by the mean of their neighbourhood.</summary>
     public virtual void BinarizeBradley(double brightnessDifference) => throw NotYet.Member();
@@ -63,7 +88,8 @@ public abstract partial class RasterImage : Image
     public virtual void AdjustGamma(float gamma) => AdjustGamma(gamma, gamma, gamma);
 
     /// <summary>Corrects each channel with its own exponent.</summary>
-    public virtual void AdjustGamma(float gammaRed, float gammaGreen, float gammaBlue) => throw NotYet.Member();
+    public virtual void AdjustGamma(float gammaRed, float gammaGreen, float gammaBlue) =>
+        throw NotYet.Member();
 
     /// <summary>Rotates about the centre, clockwise in degrees.</summary>
     public virtual void Rotate(float angle) => Rotate(angle, true, BackgroundColor);
@@ -72,13 +98,15 @@ public abstract partial class RasterImage : Image
     /// <param name="angle">Degrees.</param>
     /// <param name="resizeProportionally">True: the image grows so that no corner is lost.</param>
     /// <param name="backgroundColor">Colour of what becomes free.</param>
-    public virtual void Rotate(float angle, bool resizeProportionally, Color backgroundColor) => throw NotYet.Member();
+    public virtual void Rotate(float angle, bool resizeProportionally, Color backgroundColor) =>
+        throw NotYet.Member();
 
     /// <summary>Rotates so that lines of text become level.</summary>
     public void NormalizeAngle() => NormalizeAngle(true, Color.LightGray);
 
     /// <summary>Rotates so that lines of text become level.</summary>
-    public virtual void NormalizeAngle(bool resizeProportionally, Color backgroundColor) => throw NotYet.Member();
+    public virtual void NormalizeAngle(bool resizeProportionally, Color backgroundColor) =>
+        throw NotYet.Member();
 
     /// <summary>Replaces a colour and those near to it.</summary>
     /// <param name="oldColor">Colour to replace.</param>
@@ -91,10 +119,15 @@ public abstract partial class RasterImage : Image
     public virtual void ReplaceColor(int oldColorArgb, byte oldColorDiff, int newColorArgb) =>
         PixelEdits.ReplaceColor(this, oldColorArgb, oldColorDiff, newColorArgb);
 
-    /// <summary>Gives all pixels that are not wholly transparent one colour; their alpha stays.</summary>
-    public virtual void ReplaceNonTransparentColors(Color newColor) => ReplaceNonTransparentColors(newColor.ToArgb());
+    /// <summary>
+    /// Gives all pixels that are not wholly transparent one colour; their alpha stays.
+    /// </summary>
+    public virtual void ReplaceNonTransparentColors(Color newColor) =>
+        ReplaceNonTransparentColors(newColor.ToArgb());
 
-    /// <summary>Gives all pixels that are not wholly transparent one colour, 0xAARRGGBB; their alpha stays.</summary>
+    /// <summary>
+    /// Gives all pixels that are not wholly transparent one colour, 0xAARRGGBB; their alpha stays.
+    /// </summary>
     public virtual void ReplaceNonTransparentColors(int newColorArgb) =>
         PixelEdits.ReplaceNonTransparentColors(this, newColorArgb);
 
@@ -110,24 +143,29 @@ public abstract partial class RasterImage : Image
     public int[] GetDefaultArgb32Pixels(Rectangle rectangle) => LoadArgb32Pixels(rectangle);
 
     /// <summary>One pixel as 0xAARRGGBB.</summary>
-    /// <exception cref="ArgumentOutOfRangeException">The position lies outside of the image.</exception>
+    /// <exception cref="ArgumentOutOfRangeException">The position lies outside of the
+    /// image.</exception>
     public int GetArgb32Pixel(int x, int y) => LoadArgb32Pixels(new Rectangle(x, y, 1, 1))[0];
 
     /// <summary>One pixel.</summary>
-    /// <exception cref="ArgumentOutOfRangeException">The position lies outside of the image.</exception>
+    /// <exception cref="ArgumentOutOfRangeException">The position lies outside of the
+    /// image.</exception>
     public Color GetPixel(int x, int y) => Color.FromArgb(GetArgb32Pixel(x, y));
 
     /// <summary>Changes one pixel, 0xAARRGGBB.</summary>
-    public void SetArgb32Pixel(int x, int y, int argb32Color) => SaveArgb32Pixels(new Rectangle(x, y, 1, 1), [argb32Color]);
+    public void SetArgb32Pixel(int x, int y, int argb32Color) =>
+        SaveArgb32Pixels(new Rectangle(x, y, 1, 1), [argb32Color]);
 
     /// <summary>Changes one pixel.</summary>
     public void SetPixel(int x, int y, Color color) => SetArgb32Pixel(x, y, color.ToArgb());
 
     /// <summary>One row of pixels, counted from the top.</summary>
-    public Color[] ReadScanLine(int scanLineIndex) => LoadPixels(new Rectangle(0, scanLineIndex, Width, 1));
+    public Color[] ReadScanLine(int scanLineIndex) =>
+        LoadPixels(new Rectangle(0, scanLineIndex, Width, 1));
 
     /// <summary>One row of pixels, 0xAARRGGBB each.</summary>
-    public int[] ReadArgb32ScanLine(int scanLineIndex) => LoadArgb32Pixels(new Rectangle(0, scanLineIndex, Width, 1));
+    public int[] ReadArgb32ScanLine(int scanLineIndex) =>
+        LoadArgb32Pixels(new Rectangle(0, scanLineIndex, Width, 1));
 
     /// <summary>Changes one row of pixels.</summary>
     public void WriteScanLine(int scanLineIndex, Color[] pixels) =>
@@ -138,12 +176,20 @@ public abstract partial class RasterImage : Image
         SaveArgb32Pixels(new Rectangle(0, scanLineIndex, Width, 1), argb32Pixels);
 
     /// <summary>Pixels handed over block by block, 0xAARRGGBB each.</summary>
-    public void LoadPartialArgb32Pixels(Rectangle rectangle, IPartialArgb32PixelLoader partialPixelLoader)
+    public void LoadPartialArgb32Pixels(
+        Rectangle rectangle,
+        IPartialArgb32PixelLoader partialPixelLoader
+    )
     {
         ArgumentNullException.ThrowIfNull(partialPixelLoader);
         foreach (var band in Bands(rectangle))
         {
-            partialPixelLoader.Process(band, LoadArgb32Pixels(band), band.Location, new Point(band.Right, band.Bottom));
+            partialPixelLoader.Process(
+                band,
+                LoadArgb32Pixels(band),
+                band.Location,
+                new Point(band.Right, band.Bottom)
+            );
         }
     }
 
@@ -153,12 +199,18 @@ public abstract partial class RasterImage : Image
         ArgumentNullException.ThrowIfNull(pixelLoader);
         foreach (var band in Bands(desiredRectangle))
         {
-            pixelLoader.Process(band, LoadPixels(band), band.Location, new Point(band.Right, band.Bottom));
+            pixelLoader.Process(
+                band,
+                LoadPixels(band),
+                band.Location,
+                new Point(band.Right, band.Bottom)
+            );
         }
     }
 
     /// <summary>Pixels of a rectangle, row by row, 0xAARRGGBB each, not premultiplied.</summary>
-    /// <exception cref="ArgumentOutOfRangeException">The rectangle does not lie inside of the image.</exception>
+    /// <exception cref="ArgumentOutOfRangeException">The rectangle does not lie inside of the
+    /// image.</exception>
     public int[] LoadArgb32Pixels(Rectangle rectangle)
     {
         VerifyNotDisposed();
@@ -173,10 +225,12 @@ public abstract partial class RasterImage : Image
     }
 
     /// <summary>Pixels of a rectangle, row by row, 0xAAAARRRRGGGGBBBB each.</summary>
-    public long[] LoadArgb64Pixels(Rectangle rectangle) => Array.ConvertAll(LoadArgb32Pixels(rectangle), PixelEdits.Widen);
+    public long[] LoadArgb64Pixels(Rectangle rectangle) =>
+        Array.ConvertAll(LoadArgb32Pixels(rectangle), PixelEdits.Widen);
 
     /// <summary>Colours of a rectangle, row by row.</summary>
-    public Color[] LoadPixels(Rectangle rectangle) => Array.ConvertAll(LoadArgb32Pixels(rectangle), Color.FromArgb);
+    public Color[] LoadPixels(Rectangle rectangle) =>
+        Array.ConvertAll(LoadArgb32Pixels(rectangle), Color.FromArgb);
 
     /// <summary>Ink amounts of a rectangle, row by row, without a colour profile.</summary>
     public CmykColor[] LoadCmykPixels(Rectangle rectangle) =>
@@ -184,15 +238,24 @@ public abstract partial class RasterImage : Image
 
     /// <summary>Ink amounts of a rectangle, row by row, 0xCCMMYYKK each.</summary>
     public int[] LoadCmyk32Pixels(Rectangle rectangle) =>
-        Array.ConvertAll(LoadArgb32Pixels(rectangle), argb => Color.FromArgb(argb).ToCmyk().ToCmyk32());
+        Array.ConvertAll(
+            LoadArgb32Pixels(rectangle),
+            argb => Color.FromArgb(argb).ToCmyk().ToCmyk32()
+        );
 
     /// <summary>Writes data in the layout of the settings into a rectangle.</summary>
-    public void SaveRawData(byte[] data, int dataOffset, Rectangle rectangle, RawDataSettings rawDataSettings) =>
-        throw NotYet.Member();
+    public void SaveRawData(
+        byte[] data,
+        int dataOffset,
+        Rectangle rectangle,
+        RawDataSettings rawDataSettings
+    ) => throw NotYet.Member();
 
     /// <summary>Changes the pixels of a rectangle, row by row, 0xAARRGGBB each.</summary>
-    /// <exception cref="ArgumentException">There are fewer pixels than the rectangle has.</exception>
-    /// <exception cref="ArgumentOutOfRangeException">The rectangle does not lie inside of the image.</exception>
+    /// <exception cref="ArgumentException">There are fewer pixels than the rectangle
+    /// has.</exception>
+    /// <exception cref="ArgumentOutOfRangeException">The rectangle does not lie inside of the
+    /// image.</exception>
     public void SaveArgb32Pixels(Rectangle rectangle, int[] pixels)
     {
         ArgumentNullException.ThrowIfNull(pixels);
@@ -225,7 +288,9 @@ public abstract partial class RasterImage : Image
         SaveArgb32Pixels(rectangle, Array.ConvertAll(pixels, color => color.ToColor().ToArgb()));
     }
 
-    /// <summary>Changes the colours of a rectangle, given as ink amounts, 0xCCMMYYKK each.</summary>
+    /// <summary>
+    /// Changes the colours of a rectangle, given as ink amounts, 0xCCMMYYKK each.
+    /// </summary>
     public void SaveCmyk32Pixels(Rectangle rectangle, int[] pixels)
     {
         ArgumentNullException.ThrowIfNull(pixels);
@@ -240,12 +305,15 @@ public abstract partial class RasterImage : Image
     }
 
     /// <summary>Gives the image another palette.</summary>
-    public override void SetPalette(IColorPalette? palette, bool updateColors) => throw NotYet.Member();
+    public override void SetPalette(IColorPalette? palette, bool updateColors) =>
+        throw NotYet.Member();
 
     /// <summary>Makes pixels white when they are brighter than a threshold, else black.</summary>
     public virtual void BinarizeFixed(byte threshold) => throw NotYet.Member();
 
-    /// <summary>Makes pixels black or white by the threshold that parts them best (Otsu, 1979).</summary>
+    /// <summary>
+    /// Makes pixels black or white by the threshold that parts them best (Otsu, 1979).
+    /// </summary>
     public virtual void BinarizeOtsu() => throw NotYet.Member();
 
     /// <summary>Takes the colour out of all pixels.</summary>
@@ -261,7 +329,8 @@ public abstract partial class RasterImage : Image
     public float GetSkewAngle() => throw NotYet.Member();
 
     /// <summary>Runs a filter over a rectangle.</summary>
-    public virtual void Filter(Rectangle rectangle, FilterOptionsBase options) => throw NotYet.Member();
+    public virtual void Filter(Rectangle rectangle, FilterOptionsBase options) =>
+        throw NotYet.Member();
 
     /// <summary>True: loaded pixels are multiplied by their alpha.</summary>
     public bool PremultiplyComponents { get; set; }
@@ -285,7 +354,13 @@ public abstract partial class RasterImage : Image
     public int RawFallbackIndex { get; set; }
 
     /// <summary>Layout of the stored data.</summary>
-    public RawDataSettings RawDataSettings => new() { PixelDataFormat = RawDataFormat, LineSize = RawLineSize, ColorPalette = Palette };
+    public RawDataSettings RawDataSettings =>
+        new()
+        {
+            PixelDataFormat = RawDataFormat,
+            LineSize = RawLineSize,
+            ColorPalette = Palette,
+        };
 
     /// <summary>Order and width of the stored samples.</summary>
     public virtual PixelDataFormat RawDataFormat => PixelDataFormat.Bgra32Bpp;

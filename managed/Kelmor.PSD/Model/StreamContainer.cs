@@ -8,9 +8,7 @@ public class StreamContainer : DisposableObject
 
     /// <summary>Holds a stream that somebody else ends.</summary>
     public StreamContainer(Stream stream)
-        : this(stream, false)
-    {
-    }
+        : this(stream, false) { }
 
     /// <summary>Holds a stream.</summary>
     /// <param name="stream">The stream; positions count from its present one.</param>

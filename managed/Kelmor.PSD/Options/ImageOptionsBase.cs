@@ -8,9 +8,7 @@ namespace Kelmor.PSD;
 public abstract class ImageOptionsBase : DisposableObject
 {
     /// <summary>Options with the defaults.</summary>
-    protected ImageOptionsBase()
-    {
-    }
+    protected ImageOptionsBase() { }
 
     /// <summary>A copy of other options.</summary>
     protected ImageOptionsBase(ImageOptionsBase imageOptions)

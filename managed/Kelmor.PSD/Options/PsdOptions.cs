@@ -7,10 +7,10 @@ namespace Kelmor.PSD.ImageOptions;
 /// <summary>How a layered document is saved or made.</summary>
 public class PsdOptions : ImageOptionsBase
 {
-    /// <summary>Options with the defaults: PSD, run-length packed, RGB of 8 bits in 4 channels.</summary>
-    public PsdOptions()
-    {
-    }
+    /// <summary>
+    /// Options with the defaults: PSD, run-length packed, RGB of 8 bits in 4 channels.
+    /// </summary>
+    public PsdOptions() { }
 
     /// <summary>A copy of other options.</summary>
     public PsdOptions(PsdOptions options)
@@ -74,7 +74,9 @@ public class PsdOptions : ImageOptionsBase
     /// <summary>True: the text resource shared by all layers is left out.</summary>
     public bool RemoveGlobalTextEngineResource { get; set; }
 
-    /// <summary>True: the merged image is made anew from changed layers; false: the stored one is kept.</summary>
+    /// <summary>
+    /// True: the merged image is made anew from changed layers; false: the stored one is kept.
+    /// </summary>
     public bool RefreshImagePreviewData { get; set; } = true;
 
     /// <summary>True: metadata such as dates are brought up to date.</summary>

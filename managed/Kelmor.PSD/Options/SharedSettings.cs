@@ -8,9 +8,7 @@ namespace Kelmor.PSD
     {
         /// <summary>96 pixels per inch both ways.</summary>
         public ResolutionSetting()
-            : this(96, 96)
-        {
-        }
+            : this(96, 96) { }
 
         /// <summary>A resolution.</summary>
         public ResolutionSetting(double horizontalResolution, double verticalResolution)
@@ -30,9 +28,7 @@ namespace Kelmor.PSD
     public class IntRange
     {
         /// <summary>An empty range at 0.</summary>
-        public IntRange()
-        {
-        }
+        public IntRange() { }
 
         /// <summary>A range.</summary>
         /// <param name="startValue">First number.</param>

@@ -19,15 +19,11 @@ namespace Kelmor.PSD.Sources
 
         /// <summary>A new stream in memory.</summary>
         public StreamSource()
-            : this(new MemoryStream(), true)
-        {
-        }
+            : this(new MemoryStream(), true) { }
 
         /// <summary>A stream that somebody else ends.</summary>
         public StreamSource(Stream stream)
-            : this(stream, false)
-        {
-        }
+            : this(stream, false) { }
 
         /// <summary>A stream.</summary>
         /// <param name="stream">The stream.</param>

@@ -11,15 +11,11 @@ public class ColorPalette : IColorPalette
     /// <summary>A palette from numbers.</summary>
     /// <param name="argb32Entries">0xAARRGGBB each; copied.</param>
     public ColorPalette(int[] argb32Entries)
-        : this(argb32Entries, false)
-    {
-    }
+        : this(argb32Entries, false) { }
 
     /// <summary>A palette from colours.</summary>
     public ColorPalette(Color[] entries)
-        : this(entries, false)
-    {
-    }
+        : this(entries, false) { }
 
     /// <summary>A palette from numbers.</summary>
     /// <param name="argb32Entries">0xAARRGGBB each; copied.</param>
@@ -30,7 +26,10 @@ public class ColorPalette : IColorPalette
         ArgumentNullException.ThrowIfNull(argb32Entries);
         if (argb32Entries.Length > Most)
         {
-            throw new ArgumentException($"A palette holds at most {Most} colours, not {argb32Entries.Length}.", nameof(argb32Entries));
+            throw new ArgumentException(
+                $"A palette holds at most {Most} colours, not {argb32Entries.Length}.",
+                nameof(argb32Entries)
+            );
         }
         entries = [.. argb32Entries];
         IsCompactPalette = isCompactPalette;
@@ -38,9 +37,7 @@ public class ColorPalette : IColorPalette
 
     /// <summary>A palette from colours.</summary>
     public ColorPalette(Color[] entries, bool isCompactPalette)
-        : this(Numbers(entries), isCompactPalette)
-    {
-    }
+        : this(Numbers(entries), isCompactPalette) { }
 
     /// <inheritdoc/>
     public int EntriesCount => entries.Length;
@@ -56,7 +53,9 @@ public class ColorPalette : IColorPalette
 
     /// <summary>A copy of another palette; null stays null.</summary>
     public static ColorPalette? CopyPalette(IColorPalette? colorPalette) =>
-        colorPalette is null ? null : new ColorPalette(colorPalette.Argb32Entries, colorPalette.IsCompactPalette);
+        colorPalette is null
+            ? null
+            : new ColorPalette(colorPalette.Argb32Entries, colorPalette.IsCompactPalette);
 
     /// <inheritdoc/>
     public int GetNearestColorIndex(int argb32Color)
@@ -79,9 +78,13 @@ public class ColorPalette : IColorPalette
 
     /// <inheritdoc/>
     /// <exception cref="ArgumentOutOfRangeException">There is no such entry.</exception>
-    public int GetArgb32Color(int index) => (uint)index < (uint)entries.Length
-        ? entries[index]
-        : throw new ArgumentOutOfRangeException(nameof(index), $"The palette has {entries.Length} entries, none with the index {index}.");
+    public int GetArgb32Color(int index) =>
+        (uint)index < (uint)entries.Length
+            ? entries[index]
+            : throw new ArgumentOutOfRangeException(
+                nameof(index),
+                $"The palette has {entries.Length} entries, none with the index {index}."
+            );
 
     /// <inheritdoc/>
     public Color GetColor(int index) => Color.FromArgb(GetArgb32Color(index));

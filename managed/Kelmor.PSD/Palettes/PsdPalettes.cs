@@ -1,7 +1,9 @@
 // The palette of an indexed document.
 namespace Kelmor.PSD
 {
-    /// <summary>A palette of a layered document, which may have one entry that means transparent.</summary>
+    /// <summary>
+    /// A palette of a layered document, which may have one entry that means transparent.
+    /// </summary>
     public interface IPsdColorPalette : IColorPalette
     {
         /// <summary>Index of the transparent entry, or -1.</summary>
@@ -17,7 +19,10 @@ namespace Kelmor.PSD
 
 namespace Kelmor.PSD.FileFormats.Psd
 {
-    /// <summary>The palette of an indexed document (Adobe Photoshop File Formats Specification, Color Mode Data Section).</summary>
+    /// <summary>
+    /// The palette of an indexed document (Adobe Photoshop File Formats Specification, Color Mode
+    /// Data Section).
+    /// </summary>
     public sealed class PsdColorPalette : ColorPalette, IPsdColorPalette
     {
         /// <summary>A palette from numbers.</summary>
@@ -33,6 +38,7 @@ namespace Kelmor.PSD.FileFormats.Psd
         public bool HasTransparentColor => TransparentIndex >= 0 && TransparentIndex < EntriesCount;
 
         /// <inheritdoc/>
-        public Color TransparentColor => HasTransparentColor ? GetColor(TransparentIndex) : Color.Empty;
+        public Color TransparentColor =>
+            HasTransparentColor ? GetColor(TransparentIndex) : Color.Empty;
     }
 }

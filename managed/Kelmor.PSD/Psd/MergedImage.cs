@@ -1,4 +1,4 @@
-// The merged picture at the end of a document (Adobe Photoshop File Formats Specification, Image Data Section).
+// The merged picture at the end of a document (Photoshop File Formats, Image Data Section).
 using System.Buffers.Binary;
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 using Kelmor.PSD.FileFormats.Psd.Channels;
@@ -19,9 +19,10 @@ internal sealed class MergedImage
         this.stored = stored;
         this.header = header;
         this.recovery = recovery;
-        Method = stored.Length >= 2
-            ? (CompressionMethod)BinaryPrimitives.ReadInt16BigEndian(stored.Span)
-            : CompressionMethod.Raw;
+        Method =
+            stored.Length >= 2
+                ? (CompressionMethod)BinaryPrimitives.ReadInt16BigEndian(stored.Span)
+                : CompressionMethod.Raw;
     }
 
     /// <summary>A new picture.</summary>
@@ -45,7 +46,9 @@ internal sealed class MergedImage
 
     public PlaneLayout Layout => new(header.Width, header.Height, header.Depth);
 
-    /// <summary>The samples of each channel, big-endian, row by row; not to be written into.</summary>
+    /// <summary>
+    /// The samples of each channel, big-endian, row by row; not to be written into.
+    /// </summary>
     /// <exception cref="PsdImageException">The data are damaged or missing.</exception>
     public byte[][] Decode()
     {
@@ -55,7 +58,14 @@ internal sealed class MergedImage
             {
                 throw new PsdImageException("The document holds no merged image.");
             }
-            planes = ChannelCodec.Unpack(Method, stored[2..], Layout, header.Channels, header.IsBig, recovery);
+            planes = ChannelCodec.Unpack(
+                Method,
+                stored[2..],
+                Layout,
+                header.Channels,
+                header.IsBig,
+                recovery
+            );
         }
         return planes;
     }
@@ -78,7 +88,14 @@ internal sealed class MergedImage
             {
                 return stored;
             }
-            if (ChannelCodec.ChangeRowLengths(stored.Span[2..], header.Height * header.Channels, header.IsBig) is { } changed)
+            if (
+                ChannelCodec.ChangeRowLengths(
+                    stored.Span[2..],
+                    header.Height * header.Channels,
+                    header.IsBig
+                ) is
+                { } changed
+            )
             {
                 return WithMethod(method, changed);
             }

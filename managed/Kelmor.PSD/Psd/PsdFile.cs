@@ -34,13 +34,18 @@ internal enum LayerPlace
 /// <summary>The layer and mask information section.</summary>
 internal sealed class LayerSection
 {
-    /// <summary>The whole section without its length, as read; written again while nothing in it has changed.</summary>
+    /// <summary>
+    /// The whole section without its length, as read; written again while nothing in it has
+    /// changed.
+    /// </summary>
     public ReadOnlyMemory<byte> Raw { get; set; }
 
     /// <summary>Layers, bottom to top.</summary>
     public List<Layer> Layers { get; set; } = [];
 
-    /// <summary>True when the first alpha channel of the merged image is its transparency.</summary>
+    /// <summary>
+    /// True when the first alpha channel of the merged image is its transparency.
+    /// </summary>
     public bool HasMergedTransparency { get; set; }
 
     public LayerPlace Place { get; set; }
@@ -51,7 +56,9 @@ internal sealed class LayerSection
     /// <summary>Bytes behind the channel data within the layer info.</summary>
     public ReadOnlyMemory<byte> LayerInfoRest { get; set; }
 
-    /// <summary>Global layer mask info without its length; null when the section ends before.</summary>
+    /// <summary>
+    /// Global layer mask info without its length; null when the section ends before.
+    /// </summary>
     public ReadOnlyMemory<byte>? GlobalMask { get; set; }
 
     /// <summary>Blocks behind the global mask info.</summary>

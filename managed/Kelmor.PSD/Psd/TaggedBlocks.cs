@@ -9,8 +9,22 @@ internal static class TaggedBlocks
     // Blocks whose length has 8 bytes in a PSB document.
     private static readonly HashSet<uint> LongKeys = new[]
     {
-        "LMsk", "Lr16", "Lr32", "Layr", "Mt16", "Mt32", "Mtrn", "Alph", "FMsk", "lnk2", "FEid", "FXid", "PxSD",
-    }.Select(Code).ToHashSet();
+        "LMsk",
+        "Lr16",
+        "Lr32",
+        "Layr",
+        "Mt16",
+        "Mt32",
+        "Mtrn",
+        "Alph",
+        "FMsk",
+        "lnk2",
+        "FEid",
+        "FXid",
+        "PxSD",
+    }
+        .Select(Code)
+        .ToHashSet();
 
     public static bool IsSignature(uint code) => code is Signature or LongSignature;
 
@@ -23,11 +37,15 @@ internal static class TaggedBlocks
 
     /// <summary>A big-endian number as its four letters.</summary>
     public static string Letters(uint code) =>
-        string.Create(4, code, (text, value) =>
-        {
-            for (var i = 0; i < 4; i++)
+        string.Create(
+            4,
+            code,
+            (text, value) =>
             {
-                text[i] = (char)(value >> (24 - 8 * i) & 255);
+                for (var i = 0; i < 4; i++)
+                {
+                    text[i] = (char)(value >> (24 - 8 * i) & 255);
+                }
             }
-        });
+        );
 }

@@ -3,7 +3,9 @@ using Kelmor.PSD.FileFormats.Core.Blending;
 
 namespace Kelmor.PSD.Rendering;
 
-/// <summary>Blend modes as PDF 32000-1:2008, 11.3.5 has them, and those of layered documents beyond.</summary>
+/// <summary>
+/// Blend modes as PDF 32000-1:2008, 11.3.5 has them, and those of layered documents beyond.
+/// </summary>
 internal static class BlendFunctions
 {
     public delegate float Function(float below, float layer);
@@ -23,8 +25,10 @@ internal static class BlendFunctions
         [BlendMode.LinearDodge] = (below, layer) => MathF.Min(1, below + layer),
         [BlendMode.LinearBurn] = (below, layer) => MathF.Max(0, below + layer - 1),
         [BlendMode.LinearLight] = (below, layer) => Math.Clamp(below + 2 * layer - 1, 0, 1),
-        [BlendMode.VividLight] = (below, layer) => layer <= 0.5f ? Burn(below, 2 * layer) : Dodge(below, 2 * layer - 1),
-        [BlendMode.PinLight] = (below, layer) => layer <= 0.5f ? MathF.Min(below, 2 * layer) : MathF.Max(below, 2 * layer - 1),
+        [BlendMode.VividLight] = (below, layer) =>
+            layer <= 0.5f ? Burn(below, 2 * layer) : Dodge(below, 2 * layer - 1),
+        [BlendMode.PinLight] = (below, layer) =>
+            layer <= 0.5f ? MathF.Min(below, 2 * layer) : MathF.Max(below, 2 * layer - 1),
         [BlendMode.HardMix] = (below, layer) => below + layer >= 1 ? 1 : 0,
         [BlendMode.Difference] = (below, layer) => MathF.Abs(below - layer),
         [BlendMode.Exclusion] = (below, layer) => below + layer - 2 * below * layer,
@@ -35,7 +39,8 @@ internal static class BlendFunctions
     public static bool Has(BlendMode mode) => Functions.ContainsKey(mode);
 
     /// <summary>The function of a mode; that of Normal for one that is not known.</summary>
-    public static Function Of(BlendMode mode) => Functions.GetValueOrDefault(mode, Functions[BlendMode.Normal]);
+    public static Function Of(BlendMode mode) =>
+        Functions.GetValueOrDefault(mode, Functions[BlendMode.Normal]);
 
     private static float Screen(float below, float layer) => below + layer - below * layer;
 
@@ -51,7 +56,13 @@ internal static class BlendFunctions
         return below + (2 * layer - 1) * (MathF.Sqrt(below) - below);
     }
 
-    private static float Dodge(float below, float layer) => below == 0 ? 0 : layer >= 1 ? 1 : MathF.Min(1, below / (1 - layer));
+    private static float Dodge(float below, float layer) =>
+        below == 0 ? 0
+        : layer >= 1 ? 1
+        : MathF.Min(1, below / (1 - layer));
 
-    private static float Burn(float below, float layer) => below >= 1 ? 1 : layer <= 0 ? 0 : 1 - MathF.Min(1, (1 - below) / layer);
+    private static float Burn(float below, float layer) =>
+        below >= 1 ? 1
+        : layer <= 0 ? 0
+        : 1 - MathF.Min(1, (1 - below) / layer);
 }

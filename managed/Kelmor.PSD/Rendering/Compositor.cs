@@ -6,7 +6,9 @@ namespace Kelmor.PSD.Rendering;
 
 internal static class Compositor
 {
-    /// <summary>The picture of layers for one band of the document, 0xAARRGGBB, not premultiplied.</summary>
+    /// <summary>
+    /// The picture of layers for one band of the document, 0xAARRGGBB, not premultiplied.
+    /// </summary>
     public static int[] Render(List<Layer> layers, Rectangle band)
     {
         var strip = new PixelStrip(band);
@@ -44,7 +46,12 @@ internal static class Compositor
         var own = Content(lowest, strip.Area);
         foreach (var clipped in stack.Skip(1).Where(layer => layer.IsVisible))
         {
-            own.Blend(Content(clipped, strip.Area), Mode(clipped), LayerCoverage.Of(clipped, strip.Area), clip: true);
+            own.Blend(
+                Content(clipped, strip.Area),
+                Mode(clipped),
+                LayerCoverage.Of(clipped, strip.Area),
+                clip: true
+            );
         }
         strip.Blend(own, Mode(lowest), coverage, clip: false);
     }
@@ -70,11 +77,17 @@ internal static class Compositor
             Draw(group.Children, strip);
             return strip;
         }
-        var part = Rectangle.Intersect(area, new Rectangle(layer.Left, layer.Top, layer.Width, layer.Height));
+        var part = Rectangle.Intersect(
+            area,
+            new Rectangle(layer.Left, layer.Top, layer.Width, layer.Height)
+        );
         if (part.Width > 0 && part.Height > 0)
         {
             var pixels = new int[PixelAreas.Count(part)];
-            layer.ReadPixels(new Rectangle(part.X - layer.Left, part.Y - layer.Top, part.Width, part.Height), pixels);
+            layer.ReadPixels(
+                new Rectangle(part.X - layer.Left, part.Y - layer.Top, part.Width, part.Height),
+                pixels
+            );
             strip.Load(part, pixels);
         }
         return strip;

@@ -11,15 +11,34 @@ internal static class LayerCoverage
     {
         var coverage = new float[PixelAreas.Count(band)];
         Array.Fill(coverage, layer.Opacity / 255f * (layer.FillOpacity / 255f));
-        if (layer.LayerMaskData is { } mask && (mask.Flags & LayerMaskFlags.Disabled) == 0
-            && layer.DecodeChannel(ChannelIds.UserMask) is { } plane)
+        if (
+            layer.LayerMaskData is { } mask
+            && (mask.Flags & LayerMaskFlags.Disabled) == 0
+            && layer.DecodeChannel(ChannelIds.UserMask) is { } plane
+        )
         {
-            Multiply(coverage, band, mask, new PlaneLayout(mask.MaskRectangle.Width, mask.MaskRectangle.Height, layer.Header.Depth), plane);
+            Multiply(
+                coverage,
+                band,
+                mask,
+                new PlaneLayout(
+                    mask.MaskRectangle.Width,
+                    mask.MaskRectangle.Height,
+                    layer.Header.Depth
+                ),
+                plane
+            );
         }
         return coverage;
     }
 
-    private static void Multiply(float[] coverage, Rectangle band, LayerMaskData mask, PlaneLayout layout, byte[] plane)
+    private static void Multiply(
+        float[] coverage,
+        Rectangle band,
+        LayerMaskData mask,
+        PlaneLayout layout,
+        byte[] plane
+    )
     {
         var area = mask.MaskRectangle;
         var part = Rectangle.Intersect(band, area);
@@ -30,7 +49,14 @@ internal static class LayerCoverage
             var line = band.Y + y;
             if (part.Width > 0 && line >= part.Y && line < part.Bottom)
             {
-                Samples.ReadRow(plane, layout, part.X - area.X, line - area.Y, row.AsSpan(part.X - band.X, part.Width), isLight: false);
+                Samples.ReadRow(
+                    plane,
+                    layout,
+                    part.X - area.X,
+                    line - area.Y,
+                    row.AsSpan(part.X - band.X, part.Width),
+                    isLight: false
+                );
             }
             for (var x = 0; x < row.Length; x++)
             {

@@ -8,7 +8,8 @@ internal static class MergedPicture
 {
     /// <summary>Renders the layers when they changed since the merged image was made.</summary>
     /// <remarks>
-    /// A document with layers that cannot be rendered keeps the merged image that it was loaded with: a picture of
+    /// A document with layers that cannot be rendered keeps the merged image that it was loaded
+    /// with: a picture of
     /// its earlier state is worth more than none.
     /// </remarks>
     public static void Refresh(PsdImage image)
@@ -19,9 +20,17 @@ internal static class MergedPicture
         }
         var header = image.File.Header;
         var layout = image.File.Merged.Layout;
-        var planes = image.IsNew ? Blank(header, layout) : Array.ConvertAll(image.File.Merged.Decode(), plane => (byte[])plane.Clone());
+        var planes = image.IsNew
+            ? Blank(header, layout)
+            : Array.ConvertAll(image.File.Merged.Decode(), plane => (byte[])plane.Clone());
         var alpha = image.MergedAlphaIndex;
-        var target = new PixelPlanes(header.Mode, layout, planes[..header.ColorChannels], alpha < 0 ? null : planes[alpha], null);
+        var target = new PixelPlanes(
+            header.Mode,
+            layout,
+            planes[..header.ColorChannels],
+            alpha < 0 ? null : planes[alpha],
+            null
+        );
         foreach (var band in image.Bands(image.Bounds))
         {
             var pixels = Compositor.Render(image.Roots, band);

@@ -3,7 +3,9 @@ using Kelmor.PSD.FileFormats.Core.Blending;
 
 namespace Kelmor.PSD.Rendering;
 
-/// <summary>Straight red, green, blue and alpha from 0 to 1, for the pixels of one band of the document.</summary>
+/// <summary>
+/// Straight red, green, blue and alpha from 0 to 1, for the pixels of one band of the document.
+/// </summary>
 internal sealed class PixelStrip(Rectangle area)
 {
     private readonly float[] red = new float[PixelAreas.Count(area)];
@@ -21,7 +23,8 @@ internal sealed class PixelStrip(Rectangle area)
     {
         for (var i = 0; i < pixels.Length; i++)
         {
-            var at = (part.Y - area.Y + i / part.Width) * area.Width + part.X - area.X + i % part.Width;
+            var at =
+                (part.Y - area.Y + i / part.Width) * area.Width + part.X - area.X + i % part.Width;
             red[at] = (pixels[i] >> 16 & 255) / 255f;
             green[at] = (pixels[i] >> 8 & 255) / 255f;
             blue[at] = (pixels[i] & 255) / 255f;
@@ -35,7 +38,8 @@ internal sealed class PixelStrip(Rectangle area)
         var pixels = new int[Alpha.Length];
         for (var i = 0; i < pixels.Length; i++)
         {
-            pixels[i] = Byte(Alpha[i]) << 24 | Byte(red[i]) << 16 | Byte(green[i]) << 8 | Byte(blue[i]);
+            pixels[i] =
+                Byte(Alpha[i]) << 24 | Byte(red[i]) << 16 | Byte(green[i]) << 8 | Byte(blue[i]);
         }
         return pixels;
     }
@@ -54,7 +58,8 @@ internal sealed class PixelStrip(Rectangle area)
     /// <param name="layer">The strip above.</param>
     /// <param name="mode">Blend mode.</param>
     /// <param name="coverage">How much of each pixel shows, 0 to 1.</param>
-    /// <param name="clip">True: this strip keeps its own transparency, as under a clipped layer.</param>
+    /// <param name="clip">True: this strip keeps its own transparency, as under a clipped
+    /// layer.</param>
     public void Blend(PixelStrip layer, BlendMode mode, float[] coverage, bool clip)
     {
         var blend = BlendFunctions.Of(mode);
@@ -91,8 +96,19 @@ internal sealed class PixelStrip(Rectangle area)
         }
     }
 
-    private static float Mix(float below, float layer, float above, float present, float result, BlendFunctions.Function blend) =>
-        ((1 - above) * present * below + above * (1 - present) * layer + above * present * blend(below, layer)) / result;
+    private static float Mix(
+        float below,
+        float layer,
+        float above,
+        float present,
+        float result,
+        BlendFunctions.Function blend
+    ) =>
+        (
+            (1 - above) * present * below
+            + above * (1 - present) * layer
+            + above * present * blend(below, layer)
+        ) / result;
 
     private static int Byte(float value) => (int)(Math.Clamp(value, 0, 1) * 255 + 0.5f);
 }

@@ -8,9 +8,12 @@ namespace Kelmor.PSD.Rendering;
 
 internal static class Renderable
 {
-    /// <summary>True when every layer is understood: pixels, raster masks, groups, known blend modes.</summary>
+    /// <summary>
+    /// True when every layer is understood: pixels, raster masks, groups, known blend modes.
+    /// </summary>
     public static bool Is(PsdImage image) =>
-        image.ColorMode is ColorModes.Rgb or ColorModes.Grayscale && image.BitsPerChannel >= 8
+        image.ColorMode is ColorModes.Rgb or ColorModes.Grayscale
+        && image.BitsPerChannel >= 8
         && image.File.Layers.Layers.TrueForAll(Is);
 
     private static bool Is(Layer layer)
@@ -19,11 +22,18 @@ internal static class Renderable
         {
             return true;
         }
-        // These kinds hold their rendering as pixels; the exact type matters, others render themselves.
-        var isKnown = layer.GetType() == typeof(Layer) || layer is TextLayer or SmartObjectLayer
+        // These kinds hold their rendering as pixels; the exact type matters, others render
+        // themselves.
+        var isKnown =
+            layer.GetType() == typeof(Layer)
+            || layer is TextLayer or SmartObjectLayer
             || layer.GetType() == typeof(LayerGroup);
-        return isKnown && !layer.Record.Has("lfx2", "lfxs", "lmfx", "lrFX", "vmsk", "vsms", "brst", "knko")
-            && (layer.BlendModeKey == BlendMode.PassThrough || BlendFunctions.Has(layer.BlendModeKey))
+        return isKnown
+            && !layer.Record.Has("lfx2", "lfxs", "lmfx", "lrFX", "vmsk", "vsms", "brst", "knko")
+            && (
+                layer.BlendModeKey == BlendMode.PassThrough
+                || BlendFunctions.Has(layer.BlendModeKey)
+            )
             && layer.FindChannel(ChannelIds.RealUserMask) is null;
     }
 }

@@ -1,7 +1,9 @@
 // The namespaces of XMP schemas.
 namespace Kelmor.PSD.Xmp;
 
-/// <summary>Namespace names of XML, RDF and the schemas of XMP (XMP Specification Parts 1 and 2).</summary>
+/// <summary>
+/// Namespace names of XML, RDF and the schemas of XMP (XMP Specification Parts 1 and 2).
+/// </summary>
 public static class Namespaces
 {
     public const string Xml = "http://www.w3.org/XML/1998/namespace";

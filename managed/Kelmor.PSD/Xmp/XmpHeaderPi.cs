@@ -9,9 +9,7 @@ public sealed class XmpHeaderPi : IXmlValue, IEquatable<XmpHeaderPi>
 
     /// <summary>A header with the identifier of the XMP specification.</summary>
     public XmpHeaderPi()
-        : this(PacketGuid)
-    {
-    }
+        : this(PacketGuid) { }
 
     /// <summary>A header with an identifier of its own.</summary>
     /// <param name="guid">The identifier, without quotation marks.</param>
@@ -21,7 +19,10 @@ public sealed class XmpHeaderPi : IXmlValue, IEquatable<XmpHeaderPi>
         Guid = guid;
     }
 
-    /// <summary>The instruction as it stands in a packet; the byte-order mark stands between the first quotes.</summary>
+    /// <summary>
+    /// The instruction as it stands in a packet; the byte-order mark stands between the first
+    /// quotes.
+    /// </summary>
     public string GetXmlValue() => $"<?xpacket begin=\"\uFEFF\" id=\"{Guid}\"?>";
 
     /// <summary>True when both carry the same identifier.</summary>

@@ -8,9 +8,10 @@ public class XmpPacketWrapper : IXmlValue
 
     /// <summary>An empty packet.</summary>
     public XmpPacketWrapper()
-        : this("<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"/></x:xmpmeta>")
-    {
-    }
+        : this(
+            "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"/></x:xmpmeta>"
+        )
+    { }
 
     internal XmpPacketWrapper(string text) => this.text = text;
 
@@ -21,7 +22,8 @@ public class XmpPacketWrapper : IXmlValue
     public XmpTrailerPi TrailerPi { get; } = new();
 
     /// <summary>The packet as XML text.</summary>
-    public string GetXmlValue() => text.StartsWith("<?xpacket", StringComparison.Ordinal)
-        ? text
-        : HeaderPi.GetXmlValue() + text + TrailerPi.GetXmlValue();
+    public string GetXmlValue() =>
+        text.StartsWith("<?xpacket", StringComparison.Ordinal)
+            ? text
+            : HeaderPi.GetXmlValue() + text + TrailerPi.GetXmlValue();
 }

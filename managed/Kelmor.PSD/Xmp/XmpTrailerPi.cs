@@ -6,9 +6,7 @@ public sealed class XmpTrailerPi : IXmlValue, IEquatable<XmpTrailerPi>
 {
     /// <summary>The end of a packet that may be changed in place.</summary>
     public XmpTrailerPi()
-        : this(true)
-    {
-    }
+        : this(true) { }
 
     /// <summary>The end of a packet.</summary>
     /// <param name="isWritable">True: the packet may be changed in place.</param>

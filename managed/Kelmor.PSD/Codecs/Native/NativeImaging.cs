@@ -8,7 +8,11 @@ internal static unsafe partial class NativeImaging
     public const string Library = "libkelmor.imaging.so";
 
     [LibraryImport(Library, EntryPoint = "kelmor_png_begin")]
-    public static partial Status PngBegin(PngPicture* picture, NativeStream.StreamTable* stream, nint* writer);
+    public static partial Status PngBegin(
+        PngPicture* picture,
+        NativeStream.StreamTable* stream,
+        nint* writer
+    );
 
     [LibraryImport(Library, EntryPoint = "kelmor_png_rows")]
     public static partial Status PngRows(nint writer, byte* rows, long stride, int count);
@@ -32,7 +36,9 @@ internal static unsafe partial class NativeImaging
         CodecFailed = -4,
     }
 
-    /// <summary>The record `kelmor_png_picture`: everything that stands before the pixels.</summary>
+    /// <summary>
+    /// The record `kelmor_png_picture`: everything that stands before the pixels.
+    /// </summary>
     [StructLayout(LayoutKind.Sequential)]
     public struct PngPicture
     {

@@ -6,7 +6,8 @@ using System.Runtime.InteropServices;
 namespace Kelmor.PSD.Codecs.Native;
 
 /// <summary>The table of callbacks that native codecs write through.</summary>
-/// <remarks>Callbacks come on the thread of the call; an exception is kept here while the native frames return.</remarks>
+/// <remarks>Callbacks come on the thread of the call; an exception is kept here while the native
+/// frames return.</remarks>
 internal sealed unsafe class NativeStream : IDisposable
 {
     private readonly Stream stream;

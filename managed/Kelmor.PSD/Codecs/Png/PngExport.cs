@@ -20,7 +20,10 @@ internal static class PngExport
             throw new PngImageException("An image without pixels cannot be saved as PNG.");
         }
         VerifyDepth(options);
-        var palette = options.ColorType == PngColorType.IndexedColor ? PngPalette.For(image, options, area) : null;
+        var palette =
+            options.ColorType == PngColorType.IndexedColor
+                ? PngPalette.For(image, options, area)
+                : null;
         var head = new PngHead(area.Width, area.Height, options.BitDepth, (int)options.ColorType)
         {
             IsInterlaced = options.Progressive,
@@ -29,7 +32,9 @@ internal static class PngExport
             Palette = palette?.Argb32Entries ?? [],
             Density = DensityOf(image, options),
             Icc = ProfileOf(image, options.ColorType),
-            Xmp = (options.XmpData ?? image.XmpData) is { } xmp ? Encoding.UTF8.GetBytes(xmp.GetXmlValue()) : null,
+            Xmp = (options.XmpData ?? image.XmpData) is { } xmp
+                ? Encoding.UTF8.GetBytes(xmp.GetXmlValue())
+                : null,
         };
         // Nothing goes to the stream before the first pixels are known to be readable.
         var rows = new PngRows(options.ColorType, options.BitDepth, area.Width, palette);
@@ -60,12 +65,17 @@ internal static class PngExport
         {
             PngColorType.Grayscale => true,
             PngColorType.IndexedColor => options.BitDepth <= 8,
-            PngColorType.Truecolor or PngColorType.GrayscaleWithAlpha or PngColorType.TruecolorWithAlpha => options.BitDepth >= 8,
+            PngColorType.Truecolor
+            or PngColorType.GrayscaleWithAlpha
+            or PngColorType.TruecolorWithAlpha => options.BitDepth >= 8,
             _ => false,
         };
         if (!fits)
         {
-            throw new PngImageException($"A PNG image of the colour type {options.ColorType} cannot have {options.BitDepth} bits.");
+            throw new PngImageException(
+                $"A PNG image of the colour type {options.ColorType} cannot have "
+                    + $"{options.BitDepth} bits."
+            );
         }
     }
 
@@ -81,13 +91,17 @@ internal static class PngExport
             : (0, 0);
     }
 
-    private static int PerMeter(double perInch) => (int)Math.Clamp(Math.Round(perInch * InchesPerMeter), 0, int.MaxValue);
+    private static int PerMeter(double perInch) =>
+        (int)Math.Clamp(Math.Round(perInch * InchesPerMeter), 0, int.MaxValue);
 
     // A profile for another kind of colours would be wrong for the saved pixels (11.3.3.3).
     private static byte[]? ProfileOf(RasterImage image, PngColorType type)
     {
         var source = image as PsdImage ?? image.Container as PsdImage;
-        if (source?.IccProfile is not { Length: >= 132 } profile || !profile.AsSpan(36, 4).SequenceEqual("acsp"u8))
+        if (
+            source?.IccProfile is not { Length: >= 132 } profile
+            || !profile.AsSpan(36, 4).SequenceEqual("acsp"u8)
+        )
         {
             return null;
         }

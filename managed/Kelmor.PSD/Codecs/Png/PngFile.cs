@@ -72,18 +72,39 @@ internal sealed unsafe class PngFile : IDisposable
         for (var i = 0; i < alphas.Length; i++)
         {
             var color = Color.FromArgb(head.Palette[i]);
-            (colors[i * 3], colors[i * 3 + 1], colors[i * 3 + 2], alphas[i]) = (color.R, color.G, color.B, color.A);
+            (colors[i * 3], colors[i * 3 + 1], colors[i * 3 + 2], alphas[i]) = (
+                color.R,
+                color.G,
+                color.B,
+                color.A
+            );
         }
-        fixed (byte* palette = colors, alpha = alphas, icc = head.Icc, xmp = head.Xmp)
+        fixed (
+            byte* palette = colors,
+                alpha = alphas,
+                icc = head.Icc,
+                xmp = head.Xmp
+        )
         {
             var picture = new NativeImaging.PngPicture
             {
-                Width = head.Width, Height = head.Height, BitDepth = head.BitDepth, ColorType = head.ColorType,
-                Interlaced = head.IsInterlaced ? 1 : 0, Level = head.Level, Filter = head.Filter,
-                PaletteCount = alphas.Length, PaletteAlphaCount = Array.FindLastIndex(alphas, value => value < 255) + 1,
-                PixelsPerMeterX = head.Density.X, PixelsPerMeterY = head.Density.Y,
-                Palette = palette, PaletteAlpha = alpha, Icc = icc, IccLength = head.Icc?.Length ?? 0,
-                Xmp = xmp, XmpLength = head.Xmp?.Length ?? 0,
+                Width = head.Width,
+                Height = head.Height,
+                BitDepth = head.BitDepth,
+                ColorType = head.ColorType,
+                Interlaced = head.IsInterlaced ? 1 : 0,
+                Level = head.Level,
+                Filter = head.Filter,
+                PaletteCount = alphas.Length,
+                PaletteAlphaCount = Array.FindLastIndex(alphas, value => value < 255) + 1,
+                PixelsPerMeterX = head.Density.X,
+                PixelsPerMeterY = head.Density.Y,
+                Palette = palette,
+                PaletteAlpha = alpha,
+                Icc = icc,
+                IccLength = head.Icc?.Length ?? 0,
+                Xmp = xmp,
+                XmpLength = head.Xmp?.Length ?? 0,
             };
             var table = stream.Table;
             nint created = 0;
@@ -104,7 +125,11 @@ internal sealed unsafe class PngFile : IDisposable
         {
             throw new LimitMemoryException("There is not enough memory to write the PNG image.");
         }
-        var message = writer == 0 ? null : Marshal.PtrToStringUTF8((nint)NativeImaging.PngMessage(writer));
-        throw new PngImageException($"The PNG image cannot be written: {(string.IsNullOrEmpty(message) ? status.ToString() : message)}");
+        var message =
+            writer == 0 ? null : Marshal.PtrToStringUTF8((nint)NativeImaging.PngMessage(writer));
+        throw new PngImageException(
+            "The PNG image cannot be written: "
+                + $"{(string.IsNullOrEmpty(message) ? status.ToString() : message)}"
+        );
     }
 }

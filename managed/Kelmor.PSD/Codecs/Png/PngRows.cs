@@ -4,19 +4,22 @@ using Kelmor.PSD.FileFormats.Png;
 
 namespace Kelmor.PSD.Codecs.Png;
 
-/// <summary>Rows of one colour type and depth; 16-bit samples in the machine's own byte order.</summary>
+/// <summary>
+/// Rows of one colour type and depth; 16-bit samples in the machine's own byte order.
+/// </summary>
 internal sealed class PngRows(PngColorType type, int depth, int width, IColorPalette? palette)
 {
     private readonly Dictionary<int, byte> nearest = [];
     private byte[] packed = [];
 
-    private int Channels => type switch
-    {
-        PngColorType.Truecolor => 3,
-        PngColorType.TruecolorWithAlpha => 4,
-        PngColorType.GrayscaleWithAlpha => 2,
-        _ => 1,
-    };
+    private int Channels =>
+        type switch
+        {
+            PngColorType.Truecolor => 3,
+            PngColorType.TruecolorWithAlpha => 4,
+            PngColorType.GrayscaleWithAlpha => 2,
+            _ => 1,
+        };
 
     /// <summary>Bytes of a row.</summary>
     public int Stride => checked((int)(((long)width * Channels * depth + 7) / 8));
@@ -87,7 +90,8 @@ internal sealed class PngRows(PngColorType type, int depth, int width, IColorPal
         for (var i = 0; i < pixels.Length; i++)
         {
             SamplesOf(pixels[i], samples);
-            var value = type == PngColorType.IndexedColor ? samples[0] : (samples[0] * most + 127) / 255;
+            var value =
+                type == PngColorType.IndexedColor ? samples[0] : (samples[0] * most + 127) / 255;
             var bit = i * depth;
             row[bit >> 3] |= (byte)(value << (8 - depth - (bit & 7)));
         }
@@ -98,12 +102,20 @@ internal sealed class PngRows(PngColorType type, int depth, int width, IColorPal
         switch (type)
         {
             case PngColorType.TruecolorWithAlpha:
-                (samples[0], samples[1], samples[2], samples[3]) =
-                    ((byte)(pixel >> 16), (byte)(pixel >> 8), (byte)pixel, (byte)(pixel >> 24));
+                (samples[0], samples[1], samples[2], samples[3]) = (
+                    (byte)(pixel >> 16),
+                    (byte)(pixel >> 8),
+                    (byte)pixel,
+                    (byte)(pixel >> 24)
+                );
                 break;
             case PngColorType.Truecolor:
                 pixel = ColorMath.OnWhite(pixel);
-                (samples[0], samples[1], samples[2]) = ((byte)(pixel >> 16), (byte)(pixel >> 8), (byte)pixel);
+                (samples[0], samples[1], samples[2]) = (
+                    (byte)(pixel >> 16),
+                    (byte)(pixel >> 8),
+                    (byte)pixel
+                );
                 break;
             case PngColorType.GrayscaleWithAlpha:
                 (samples[0], samples[1]) = (ColorMath.Luma(pixel), (byte)(pixel >> 24));

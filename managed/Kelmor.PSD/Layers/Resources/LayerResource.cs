@@ -1,7 +1,9 @@
 // A tagged block of a layer or of the whole document.
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
-/// <summary>A tagged block (Adobe Photoshop File Formats Specification, Additional Layer Information).</summary>
+/// <summary>
+/// A tagged block (Adobe Photoshop File Formats Specification, Additional Layer Information).
+/// </summary>
 public abstract class LayerResource
 {
     private ReadOnlyMemory<byte> data;

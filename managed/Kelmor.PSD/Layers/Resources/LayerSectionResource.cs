@@ -1,29 +1,39 @@
-// The part that a layer record plays in a group: "lsct", and "lsdk" for groups nested deeper than five.
+// The part of a record in a group: "lsct", and "lsdk" for groups nested deeper than five.
 using System.Buffers.Binary;
 using Kelmor.PSD.FileFormats.Core.Blending;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
-/// <summary>The head or the end mark of a group (Adobe Photoshop File Formats Specification, Section divider setting).</summary>
+/// <summary>
+/// The head or the end mark of a group (Adobe Photoshop File Formats Specification, Section divider
+/// setting).
+/// </summary>
 public sealed class LayerSectionResource : LayerResource
 {
     private const int WithBlendMode = 12;
 
-    /// <summary>A block for the head of an open group, or with <see cref="SectionType"/> changed, for others.</summary>
+    /// <summary>
+    /// A block for the head of an open group, or with <see cref="SectionType"/> changed, for
+    /// others.
+    /// </summary>
     public LayerSectionResource()
-        : this(TaggedBlocks.Signature, TaggedBlocks.Code("lsct"), Build(LayerSectionType.OpenFolder, null))
-    {
-    }
+        : this(
+            TaggedBlocks.Signature,
+            TaggedBlocks.Code("lsct"),
+            Build(LayerSectionType.OpenFolder, null)
+        )
+    { }
 
     internal LayerSectionResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>The part that the record plays.</summary>
     public LayerSectionType SectionType
     {
-        get => Data.Length >= 4 ? (LayerSectionType)BinaryPrimitives.ReadInt32BigEndian(Data.Span) : LayerSectionType.Other;
+        get =>
+            Data.Length >= 4
+                ? (LayerSectionType)BinaryPrimitives.ReadInt32BigEndian(Data.Span)
+                : LayerSectionType.Other;
         set
         {
             var bytes = AtLeast(4);
@@ -35,7 +45,10 @@ public sealed class LayerSectionResource : LayerResource
     /// <summary>Blend mode of the group; Absent when the block has none.</summary>
     public BlendMode BlendModeKey
     {
-        get => Data.Length >= WithBlendMode ? (BlendMode)BinaryPrimitives.ReadInt32BigEndian(Data.Span[8..]) : BlendMode.Absent;
+        get =>
+            Data.Length >= WithBlendMode
+                ? (BlendMode)BinaryPrimitives.ReadInt32BigEndian(Data.Span[8..])
+                : BlendMode.Absent;
         set
         {
             var bytes = AtLeast(WithBlendMode);
@@ -47,7 +60,9 @@ public sealed class LayerSectionResource : LayerResource
 
     /// <summary>Kind of the group.</summary>
     public LayerSectionSubtype Subtype =>
-        Data.Length >= 16 ? (LayerSectionSubtype)BinaryPrimitives.ReadInt32BigEndian(Data.Span[12..]) : LayerSectionSubtype.Normal;
+        Data.Length >= 16
+            ? (LayerSectionSubtype)BinaryPrimitives.ReadInt32BigEndian(Data.Span[12..])
+            : LayerSectionSubtype.Normal;
 
     internal static byte[] Build(LayerSectionType type, BlendMode? mode)
     {

@@ -8,9 +8,7 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 public sealed class UnknownResource : LayerResource
 {
     internal UnknownResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>The content.</summary>
     public byte[] GetData() => Data.ToArray();
@@ -24,9 +22,7 @@ public sealed class LuniResource : LayerResource
         : this(TaggedBlocks.Signature, TaggedBlocks.Code("luni"), default) => Name = name;
 
     internal LuniResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>The name.</summary>
     public string Name
@@ -37,7 +33,10 @@ public sealed class LuniResource : LayerResource
             {
                 return "";
             }
-            var count = Math.Min(BinaryPrimitives.ReadUInt32BigEndian(Data.Span), (uint)(Data.Length - 4) / 2);
+            var count = Math.Min(
+                BinaryPrimitives.ReadUInt32BigEndian(Data.Span),
+                (uint)(Data.Length - 4) / 2
+            );
             return Encoding.BigEndianUnicode.GetString(Data.Span.Slice(4, (int)count * 2));
         }
         set
@@ -60,14 +59,10 @@ public sealed class IopaResource : LayerResource
 {
     /// <summary>A block for a layer whose fill is opaque.</summary>
     public IopaResource()
-        : this(TaggedBlocks.Signature, TaggedBlocks.Code("iOpa"), new byte[] { 255, 0, 0, 0 })
-    {
-    }
+        : this(TaggedBlocks.Signature, TaggedBlocks.Code("iOpa"), new byte[] { 255, 0, 0, 0 }) { }
 
     internal IopaResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>Opacity of the layer without its effects, 0 to 255.</summary>
     public byte FillOpacity
@@ -82,13 +77,13 @@ public sealed class IopaResource : LayerResource
     }
 }
 
-/// <summary>A block that says yes or no in its first byte: "clbl", "infx", "knko" and others.</summary>
+/// <summary>
+/// A block that says yes or no in its first byte: "clbl", "infx", "knko" and others.
+/// </summary>
 public abstract class BooleanResource : LayerResource
 {
     private protected BooleanResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>The answer.</summary>
     public bool Value
@@ -108,14 +103,10 @@ public sealed class ClblResource : BooleanResource
 {
     /// <summary>A block that says yes.</summary>
     public ClblResource()
-        : this(TaggedBlocks.Signature, TaggedBlocks.Code("clbl"), new byte[] { 1, 0, 0, 0 })
-    {
-    }
+        : this(TaggedBlocks.Signature, TaggedBlocks.Code("clbl"), new byte[] { 1, 0, 0, 0 }) { }
 
     internal ClblResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>True: the layer and those clipped to it are blended as one.</summary>
     public bool BlendClippedElements
@@ -129,9 +120,7 @@ public sealed class ClblResource : BooleanResource
 public sealed class InfxResource : BooleanResource
 {
     internal InfxResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>True: inner effects are blended with the layer as one.</summary>
     public bool BlendInteriorElements
@@ -145,9 +134,7 @@ public sealed class InfxResource : BooleanResource
 public sealed class KnkoResource : BooleanResource
 {
     internal KnkoResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>True: the layer knocks out.</summary>
     public bool IsKnockout
@@ -161,9 +148,7 @@ public sealed class KnkoResource : BooleanResource
 public sealed class LyidResource : LayerResource
 {
     internal LyidResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>A number that no other layer of the document has.</summary>
     public int Value
@@ -183,19 +168,18 @@ public sealed class LclrResource : LayerResource
 {
     /// <summary>A block without a mark.</summary>
     public LclrResource()
-        : this(TaggedBlocks.Signature, TaggedBlocks.Code("lclr"), new byte[8])
-    {
-    }
+        : this(TaggedBlocks.Signature, TaggedBlocks.Code("lclr"), new byte[8]) { }
 
     internal LclrResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>The mark.</summary>
     public SheetColorHighlightEnum Color
     {
-        get => Data.Length >= 2 ? (SheetColorHighlightEnum)BinaryPrimitives.ReadInt16BigEndian(Data.Span) : SheetColorHighlightEnum.NoColor;
+        get =>
+            Data.Length >= 2
+                ? (SheetColorHighlightEnum)BinaryPrimitives.ReadInt16BigEndian(Data.Span)
+                : SheetColorHighlightEnum.NoColor;
         set
         {
             var bytes = AtLeast(8);
@@ -210,19 +194,18 @@ public sealed class LspfResource : LayerResource
 {
     /// <summary>A block that protects nothing.</summary>
     public LspfResource()
-        : this(TaggedBlocks.Signature, TaggedBlocks.Code("lspf"), new byte[4])
-    {
-    }
+        : this(TaggedBlocks.Signature, TaggedBlocks.Code("lspf"), new byte[4]) { }
 
     internal LspfResource(uint signature, uint key, ReadOnlyMemory<byte> data)
-        : base(signature, key, data)
-    {
-    }
+        : base(signature, key, data) { }
 
     /// <summary>What is protected.</summary>
     public LayerLockType Locks
     {
-        get => Data.Length >= 4 ? (LayerLockType)BinaryPrimitives.ReadUInt32BigEndian(Data.Span) : LayerLockType.NotLocked;
+        get =>
+            Data.Length >= 4
+                ? (LayerLockType)BinaryPrimitives.ReadUInt32BigEndian(Data.Span)
+                : LayerLockType.NotLocked;
         set
         {
             var bytes = AtLeast(4);

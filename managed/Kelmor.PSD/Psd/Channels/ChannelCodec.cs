@@ -1,4 +1,4 @@
-// Packs and unpacks channels (Adobe Photoshop File Formats Specification, Channel Image Data).
+// Packs and unpacks channels (Photoshop File Formats Specification, Channel Image Data).
 using System.Buffers.Binary;
 using System.IO.Compression;
 using Kelmor.PSD.CoreExceptions.Compressors;
@@ -8,7 +8,8 @@ namespace Kelmor.PSD.FileFormats.Psd.Channels;
 
 internal static class ChannelCodec
 {
-    // No more than this can come out of one packed byte: two bytes of PackBits give 128, deflate has 1032 to 1.
+    // No more than this can come out of one packed byte: two bytes of PackBits give 128, deflate
+    // has 1032 to 1.
     private const int MostFromPackBits = 64;
     private const int MostFromDeflate = 1032;
 
@@ -23,7 +24,13 @@ internal static class ChannelCodec
     /// <param name="isBig">True: the row lengths of packed rows have 4 bytes.</param>
     /// <param name="recovery">What to do when the data are too short or damaged.</param>
     public static byte[][] Unpack(
-        CompressionMethod method, ReadOnlyMemory<byte> packed, PlaneLayout layout, int channels, bool isBig, DataRecoveryMode recovery)
+        CompressionMethod method,
+        ReadOnlyMemory<byte> packed,
+        PlaneLayout layout,
+        int channels,
+        bool isBig,
+        DataRecoveryMode recovery
+    )
     {
         VerifyHoldable(method, packed.Length, layout, channels, isBig, recovery);
         var planes = new byte[channels][];
@@ -51,15 +58,25 @@ internal static class ChannelCodec
     }
 
     /// <summary>Packs channels of equal size together.</summary>
-    public static byte[] Pack(CompressionMethod method, byte[][] planes, PlaneLayout layout, bool isBig) => method switch
-    {
-        CompressionMethod.Raw => Joined(planes),
-        CompressionMethod.Rle => PackRows(planes, layout, isBig),
-        CompressionMethod.ZipWithPrediction => Deflate(planes.Select(plane => Prediction.Apply(plane, layout))),
-        _ => Deflate(planes),
-    };
+    public static byte[] Pack(
+        CompressionMethod method,
+        byte[][] planes,
+        PlaneLayout layout,
+        bool isBig
+    ) =>
+        method switch
+        {
+            CompressionMethod.Raw => Joined(planes),
+            CompressionMethod.Rle => PackRows(planes, layout, isBig),
+            CompressionMethod.ZipWithPrediction => Deflate(
+                planes.Select(plane => Prediction.Apply(plane, layout))
+            ),
+            _ => Deflate(planes),
+        };
 
-    /// <summary>Gives packed rows other row lengths: 2 bytes in PSD, 4 in PSB. The rows stay as they are.</summary>
+    /// <summary>
+    /// Gives packed rows other row lengths: 2 bytes in PSD, 4 in PSB. The rows stay as they are.
+    /// </summary>
     public static byte[]? ChangeRowLengths(ReadOnlySpan<byte> packed, int rows, bool fromBig)
     {
         var (oldSize, newSize) = fromBig ? (4, 2) : (2, 4);
@@ -82,16 +99,26 @@ internal static class ChannelCodec
     }
 
     private static void VerifyHoldable(
-        CompressionMethod method, long packed, PlaneLayout layout, int channels, bool isBig, DataRecoveryMode recovery)
+        CompressionMethod method,
+        long packed,
+        PlaneLayout layout,
+        int channels,
+        bool isBig,
+        DataRecoveryMode recovery
+    )
     {
         var needed = layout.Bytes * channels;
-        long table = method == CompressionMethod.Rle ? (long)layout.Height * channels * (isBig ? 4 : 2) : 0;
+        long table =
+            method == CompressionMethod.Rle ? (long)layout.Height * channels * (isBig ? 4 : 2) : 0;
         var most = method switch
         {
             CompressionMethod.Raw => packed,
             CompressionMethod.Rle => Math.Max(0, packed - table) * MostFromPackBits,
-            CompressionMethod.ZipWithoutPrediction or CompressionMethod.ZipWithPrediction => packed * MostFromDeflate,
-            _ => throw new PsdImageException($"The channel data are damaged: the compression method {(int)method} is not known."),
+            CompressionMethod.ZipWithoutPrediction or CompressionMethod.ZipWithPrediction => packed
+                * MostFromDeflate,
+            _ => throw new PsdImageException(
+                $"The channel data are damaged: the compression method {(int)method} is not known."
+            ),
         };
         if (recovery == DataRecoveryMode.MaximalRecover)
         {
@@ -99,7 +126,10 @@ internal static class ChannelCodec
         }
         if (needed > most)
         {
-            throw new PsdImageException($"The channel data are damaged: {packed} bytes cannot hold {channels} channels of {layout.Width} x {layout.Height} samples of {layout.Depth} bits.");
+            throw new PsdImageException(
+                $"The channel data are damaged: {packed} bytes cannot hold {channels} "
+                    + $"channels of {layout.Width} x {layout.Height} samples of {layout.Depth} bits."
+            );
         }
     }
 
@@ -113,7 +143,13 @@ internal static class ChannelCodec
         }
     }
 
-    private static void UnpackRows(ReadOnlySpan<byte> packed, byte[][] planes, PlaneLayout layout, bool isBig, DataRecoveryMode recovery)
+    private static void UnpackRows(
+        ReadOnlySpan<byte> packed,
+        byte[][] planes,
+        PlaneLayout layout,
+        bool isBig,
+        DataRecoveryMode recovery
+    )
     {
         var rows = layout.Height * planes.Length;
         var at = Math.Min(packed.Length, (long)rows * (isBig ? 4 : 2));
@@ -121,7 +157,8 @@ internal static class ChannelCodec
         for (var row = 0; row < rows; row++)
         {
             var length = Math.Min(RowLength(packed, row, isBig), packed.Length - at);
-            var target = planes[row / layout.Height].AsSpan(row % layout.Height * rowBytes, rowBytes);
+            var target = planes[row / layout.Height]
+                .AsSpan(row % layout.Height * rowBytes, rowBytes);
             var held = PackBits.Unpack(packed.Slice((int)at, (int)length), target);
             if (held < rowBytes && recovery != DataRecoveryMode.MaximalRecover)
             {
@@ -139,7 +176,9 @@ internal static class ChannelCodec
             return 0;
         }
         var field = packed[(row * size)..];
-        return isBig ? BinaryPrimitives.ReadUInt32BigEndian(field) : BinaryPrimitives.ReadUInt16BigEndian(field);
+        return isBig
+            ? BinaryPrimitives.ReadUInt32BigEndian(field)
+            : BinaryPrimitives.ReadUInt16BigEndian(field);
     }
 
     private static void WriteRowLength(Span<byte> packed, int row, int length, bool isBig)
@@ -174,7 +213,11 @@ internal static class ChannelCodec
         return packed.ToArray();
     }
 
-    private static void Inflate(ReadOnlyMemory<byte> packed, byte[][] planes, DataRecoveryMode recovery)
+    private static void Inflate(
+        ReadOnlyMemory<byte> packed,
+        byte[][] planes,
+        DataRecoveryMode recovery
+    )
     {
         try
         {
@@ -185,7 +228,9 @@ internal static class ChannelCodec
                 var count = inflater.ReadAtLeast(plane, plane.Length, throwOnEndOfStream: false);
                 if (count < plane.Length && recovery != DataRecoveryMode.MaximalRecover)
                 {
-                    throw new DeflateCompressorException($"The deflated channel holds {count} bytes instead of {plane.Length}.");
+                    throw new DeflateCompressorException(
+                        $"The deflated channel holds {count} bytes instead of {plane.Length}."
+                    );
                 }
             }
         }

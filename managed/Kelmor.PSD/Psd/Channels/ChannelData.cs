@@ -1,4 +1,4 @@
-// The data of one channel of a layer: as stored, decoded when somebody looks, packed when they were changed.
+// The channel of a layer: as stored, decoded when somebody looks, packed when it was changed.
 using System.Buffers.Binary;
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 
@@ -8,7 +8,7 @@ internal sealed class ChannelData
 {
     private readonly bool storedIsBig; // row lengths of 4 bytes
     private readonly DataRecoveryMode recovery;
-    private ReadOnlyMemory<byte> stored; // compression field and packed data; empty once the samples are newer
+    private ReadOnlyMemory<byte> stored; // with the compression field; empty once samples are newer
     private byte[]? plane;
 
     /// <summary>Data as read from a file.</summary>
@@ -17,9 +17,10 @@ internal sealed class ChannelData
         this.stored = stored;
         this.recovery = recovery;
         storedIsBig = isBig;
-        Method = stored.Length >= 2
-            ? (CompressionMethod)BinaryPrimitives.ReadInt16BigEndian(stored.Span)
-            : CompressionMethod.Raw;
+        Method =
+            stored.Length >= 2
+                ? (CompressionMethod)BinaryPrimitives.ReadInt16BigEndian(stored.Span)
+                : CompressionMethod.Raw;
     }
 
     /// <summary>New data.</summary>
@@ -42,9 +43,10 @@ internal sealed class ChannelData
     {
         if (plane is null || plane.Length != layout.Bytes)
         {
-            plane = stored.Length <= 2 && layout.Bytes == 0
-                ? []
-                : ChannelCodec.Unpack(Method, Packed, layout, 1, storedIsBig, recovery)[0];
+            plane =
+                stored.Length <= 2 && layout.Bytes == 0
+                    ? []
+                    : ChannelCodec.Unpack(Method, Packed, layout, 1, storedIsBig, recovery)[0];
         }
         return plane;
     }
@@ -74,7 +76,10 @@ internal sealed class ChannelData
             {
                 return stored;
             }
-            if (ChannelCodec.ChangeRowLengths(Packed.Span, layout.Height, storedIsBig) is { } changed)
+            if (
+                ChannelCodec.ChangeRowLengths(Packed.Span, layout.Height, storedIsBig) is
+                { } changed
+            )
             {
                 return WithMethod(method, changed);
             }
@@ -87,13 +92,17 @@ internal sealed class ChannelData
     }
 
     /// <summary>A copy that changes on its own; the stored bytes are shared.</summary>
-    public ChannelData Copy() => plane is not null && IsChanged
-        ? new ChannelData((byte[])plane.Clone(), Method)
-        : new ChannelData(stored, storedIsBig, recovery);
+    public ChannelData Copy() =>
+        plane is not null && IsChanged
+            ? new ChannelData((byte[])plane.Clone(), Method)
+            : new ChannelData(stored, storedIsBig, recovery);
 
-    private ReadOnlyMemory<byte> Packed => stored.Length >= 2
-        ? stored[2..]
-        : throw new PsdImageException("The channel data are damaged: the compression method is missing.");
+    private ReadOnlyMemory<byte> Packed =>
+        stored.Length >= 2
+            ? stored[2..]
+            : throw new PsdImageException(
+                "The channel data are damaged: the compression method is missing."
+            );
 
     private static byte[] WithMethod(CompressionMethod method, ReadOnlySpan<byte> packed)
     {

@@ -1,10 +1,14 @@
 // From CIE L*a*b* to sRGB.
 namespace Kelmor.PSD.FileFormats.Psd.Channels;
 
-/// <summary>CIE 15, 8.2.1, for the white of D50, then the Bradford adapted matrix of sRGB.</summary>
+/// <summary>
+/// CIE 15, 8.2.1, for the white of D50, then the Bradford adapted matrix of sRGB.
+/// </summary>
 internal static class LabColor
 {
-    /// <summary>0x00RRGGBB of a colour stored in 8 bits: L* 0 to 100 as 0 to 255, a* and b* about 128.</summary>
+    /// <summary>
+    /// 0x00RRGGBB of a colour stored in 8 bits: L* 0 to 100 as 0 to 255, a* and b* about 128.
+    /// </summary>
     public static int ToRgb(byte lightness, byte a, byte b)
     {
         var middle = (lightness * 100f / 255 + 16) / 116;
@@ -19,7 +23,6 @@ internal static class LabColor
 
     private static int Channel(float light) => Samples.ToByte(Samples.Encode(light));
 
-    private static float Unbend(float value) => value > 6f / 29
-        ? value * value * value
-        : 3 * (6f / 29) * (6f / 29) * (value - 4f / 29);
+    private static float Unbend(float value) =>
+        value > 6f / 29 ? value * value * value : 3 * (6f / 29) * (6f / 29) * (value - 4f / 29);
 }

@@ -8,10 +8,12 @@ internal static class PackBits
     private const int LongestPiece = 128;
 
     /// <summary>Most bytes that a row can take when packed.</summary>
-    public static int LargestSize(int length) => length + (length + LongestPiece - 1) / LongestPiece;
+    public static int LargestSize(int length) =>
+        length + (length + LongestPiece - 1) / LongestPiece;
 
     /// <summary>Unpacks one row.</summary>
-    /// <returns>How many bytes of the row the packed data held; fewer than the row has when they end too early.</returns>
+    /// <returns>How many bytes of the row the packed data held; fewer than the row has when they
+    /// end too early.</returns>
     public static int Unpack(ReadOnlySpan<byte> packed, Span<byte> row)
     {
         var done = 0;

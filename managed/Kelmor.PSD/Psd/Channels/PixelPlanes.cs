@@ -7,4 +7,10 @@ namespace Kelmor.PSD.FileFormats.Psd.Channels;
 /// <param name="Colors">Colour channels; a missing one counts as zero.</param>
 /// <param name="Alpha">Transparency, or null when all is opaque.</param>
 /// <param name="Palette">0xAARRGGBB for each index of an indexed document.</param>
-internal sealed record PixelPlanes(ColorModes Mode, PlaneLayout Layout, byte[]?[] Colors, byte[]? Alpha, int[]? Palette);
+internal sealed record PixelPlanes(
+    ColorModes Mode,
+    PlaneLayout Layout,
+    byte[]?[] Colors,
+    byte[]? Alpha,
+    int[]? Palette
+);

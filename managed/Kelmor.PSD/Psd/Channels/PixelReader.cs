@@ -26,7 +26,14 @@ internal static class PixelReader
         }
     }
 
-    private static void ReadRow(PixelPlanes planes, byte[]? plane, int x, int y, byte[] row, bool isLight)
+    private static void ReadRow(
+        PixelPlanes planes,
+        byte[]? plane,
+        int x,
+        int y,
+        byte[] row,
+        bool isLight
+    )
     {
         if (plane is not null)
         {
@@ -49,7 +56,12 @@ internal static class PixelReader
                 CombineLab(rows, alpha, pixels);
                 break;
             case ColorModes.Indexed:
-                CombineIndexed(planes.Palette ?? throw new PsdImageException("The indexed document has no palette."), rows[0], pixels);
+                CombineIndexed(
+                    planes.Palette
+                        ?? throw new PsdImageException("The indexed document has no palette."),
+                    rows[0],
+                    pixels
+                );
                 break;
             default:
                 CombineGray(rows[0], alpha, pixels);
@@ -80,7 +92,11 @@ internal static class PixelReader
         for (var i = 0; i < pixels.Length; i++)
         {
             int key = rows[3][i];
-            pixels[i] = alpha[i] << 24 | ColorMath.Scaled(rows[0][i], key) << 16 | ColorMath.Scaled(rows[1][i], key) << 8 | ColorMath.Scaled(rows[2][i], key);
+            pixels[i] =
+                alpha[i] << 24
+                | ColorMath.Scaled(rows[0][i], key) << 16
+                | ColorMath.Scaled(rows[1][i], key) << 8
+                | ColorMath.Scaled(rows[2][i], key);
         }
     }
 
@@ -96,7 +112,8 @@ internal static class PixelReader
     {
         for (var i = 0; i < pixels.Length; i++)
         {
-            pixels[i] = indexes[i] < palette.Length ? palette[indexes[i]] : unchecked((int)0xFF000000);
+            pixels[i] =
+                indexes[i] < palette.Length ? palette[indexes[i]] : unchecked((int)0xFF000000);
         }
     }
 }

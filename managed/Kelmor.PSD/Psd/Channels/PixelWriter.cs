@@ -7,9 +7,20 @@ internal static class PixelWriter
     /// <exception cref="NotSupportedException">The kind is not supported.</exception>
     public static void VerifySupported(ColorModes mode, int depth)
     {
-        if (depth == 1 || mode is not (ColorModes.Rgb or ColorModes.Grayscale or ColorModes.Duotone or ColorModes.Cmyk))
+        if (
+            depth == 1
+            || mode
+                is not (
+                    ColorModes.Rgb
+                    or ColorModes.Grayscale
+                    or ColorModes.Duotone
+                    or ColorModes.Cmyk
+                )
+        )
         {
-            throw new NotSupportedException($"Pixels of documents of the mode {mode} with {depth} bits cannot be changed.");
+            throw new NotSupportedException(
+                $"Pixels of documents of the mode {mode} with {depth} bits cannot be changed."
+            );
         }
     }
 
@@ -35,17 +46,36 @@ internal static class PixelWriter
             for (var channel = 0; channel < planes.Colors.Length; channel++)
             {
                 Extract(planes.Mode, channel, source, row);
-                Samples.WriteRow(planes.Colors[channel], planes.Layout, area.X, area.Y + y, row, isLight: true);
+                Samples.WriteRow(
+                    planes.Colors[channel],
+                    planes.Layout,
+                    area.X,
+                    area.Y + y,
+                    row,
+                    isLight: true
+                );
             }
             if (planes.Alpha is not null)
             {
                 ExtractByte(source, row, 24);
-                Samples.WriteRow(planes.Alpha, planes.Layout, area.X, area.Y + y, row, isLight: false);
+                Samples.WriteRow(
+                    planes.Alpha,
+                    planes.Layout,
+                    area.X,
+                    area.Y + y,
+                    row,
+                    isLight: false
+                );
             }
         }
     }
 
-    private static void Extract(ColorModes mode, int channel, ReadOnlySpan<int> source, Span<byte> row)
+    private static void Extract(
+        ColorModes mode,
+        int channel,
+        ReadOnlySpan<int> source,
+        Span<byte> row
+    )
     {
         switch (mode)
         {
@@ -56,7 +86,13 @@ internal static class PixelWriter
                 for (var i = 0; i < row.Length; i++)
                 {
                     // Stored inverted: the number's highest byte is cyan.
-                    row[i] = (byte)(255 - (Color.FromArgb(source[i]).ToCmyk().ToCmyk32() >> (24 - 8 * channel) & 255));
+                    row[i] = (byte)(
+                        255
+                        - (
+                            Color.FromArgb(source[i]).ToCmyk().ToCmyk32() >> (24 - 8 * channel)
+                            & 255
+                        )
+                    );
                 }
                 break;
             default:

@@ -17,7 +17,11 @@ internal readonly record struct PlaneLayout(int Width, int Height, int Depth)
 
     /// <summary>Bytes of the channel, when an array can hold them.</summary>
     /// <exception cref="LimitMemoryException">No array can hold them.</exception>
-    public int ArrayLength => Bytes <= Array.MaxLength
-        ? (int)Bytes
-        : throw new LimitMemoryException($"A channel of {Width} x {Height} samples of {Depth} bits is too large to be decoded at once.");
+    public int ArrayLength =>
+        Bytes <= Array.MaxLength
+            ? (int)Bytes
+            : throw new LimitMemoryException(
+                $"A channel of {Width} x {Height} samples of {Depth} bits is too large to "
+                    + "be decoded at once."
+            );
 }

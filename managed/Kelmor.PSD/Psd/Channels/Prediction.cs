@@ -1,4 +1,4 @@
-// Differences between neighbours, which deflate packs better (Adobe Photoshop TIFF Technical Notes, 2002).
+// Differences between neighbours, which deflate packs better (Photoshop TIFF Technical Notes).
 using System.Buffers.Binary;
 
 namespace Kelmor.PSD.FileFormats.Psd.Channels;
@@ -26,7 +26,9 @@ internal static class Prediction
         }
     }
 
-    /// <summary>A copy of the channel with the differences of each row in place of the samples.</summary>
+    /// <summary>
+    /// A copy of the channel with the differences of each row in place of the samples.
+    /// </summary>
     public static byte[] Apply(byte[] plane, PlaneLayout layout)
     {
         var changed = (byte[])plane.Clone();
@@ -78,7 +80,9 @@ internal static class Prediction
     {
         for (var i = row.Length - 2; i >= 2; i -= 2)
         {
-            var difference = BinaryPrimitives.ReadUInt16BigEndian(row[i..]) - BinaryPrimitives.ReadUInt16BigEndian(row[(i - 2)..]);
+            var difference =
+                BinaryPrimitives.ReadUInt16BigEndian(row[i..])
+                - BinaryPrimitives.ReadUInt16BigEndian(row[(i - 2)..]);
             BinaryPrimitives.WriteUInt16BigEndian(row[i..], unchecked((ushort)difference));
         }
     }

@@ -1,4 +1,4 @@
-// Reads the layer and mask information section (Adobe Photoshop File Formats Specification, of that name).
+// Reads the layer and mask information section (Photoshop File Formats Specification).
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 
 namespace Kelmor.PSD.FileFormats.Psd.Reading;
@@ -6,7 +6,11 @@ namespace Kelmor.PSD.FileFormats.Psd.Reading;
 internal static class LayerSectionReader
 {
     private static readonly uint[] LayerBlocks =
-        [TaggedBlocks.Code("Lr16"), TaggedBlocks.Code("Lr32"), TaggedBlocks.Code("Layr")];
+    [
+        TaggedBlocks.Code("Lr16"),
+        TaggedBlocks.Code("Lr32"),
+        TaggedBlocks.Code("Layr"),
+    ];
 
     /// <summary>Fills a section from its raw bytes.</summary>
     public static void Read(LayerSection section, PsdHeader header, DataRecoveryMode recovery)
@@ -18,9 +22,10 @@ internal static class LayerSectionReader
             return;
         }
         var length = reader.Length("the length of the layer info");
-        var info = recovery == DataRecoveryMode.None
-            ? reader.Take(length, "the layer info")
-            : reader.TakeUpTo(length, "the layer info");
+        var info =
+            recovery == DataRecoveryMode.None
+                ? reader.Take(length, "the layer info")
+                : reader.TakeUpTo(length, "the layer info");
         ReadGlobalMask(section, reader);
         section.Rest = TaggedBlockReader.Read(reader, section.Blocks);
         ReadLayers(section, info, header, recovery);
@@ -43,10 +48,16 @@ internal static class LayerSectionReader
         section.GlobalMask = reader.Take(length, "the global layer mask info");
     }
 
-    private static void ReadLayers(LayerSection section, ReadOnlyMemory<byte> info, PsdHeader header, DataRecoveryMode recovery)
+    private static void ReadLayers(
+        LayerSection section,
+        ReadOnlyMemory<byte> info,
+        PsdHeader header,
+        DataRecoveryMode recovery
+    )
     {
         var block = section.Blocks.FirstOrDefault(candidate =>
-            LayerBlocks.Contains(candidate.KeyCode) && candidate.Data.Length >= 2);
+            LayerBlocks.Contains(candidate.KeyCode) && candidate.Data.Length >= 2
+        );
         if (info.Length == 0 && block is not null)
         {
             section.Place = LayerPlace.Block;
@@ -59,7 +70,12 @@ internal static class LayerSectionReader
         }
         try
         {
-            LayerInfoReader.Read(section, new SectionReader(info, "layer info", header.IsBig), header, recovery);
+            LayerInfoReader.Read(
+                section,
+                new SectionReader(info, "layer info", header.IsBig),
+                header,
+                recovery
+            );
         }
         catch (PsdImageException) when (recovery != DataRecoveryMode.None)
         {

@@ -1,4 +1,4 @@
-// Takes a layered document apart (Adobe Photoshop File Formats Specification, Photoshop File Structure).
+// Takes a layered document apart (Photoshop File Formats Specification, Photoshop File Structure).
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 using Kelmor.PSD.FileFormats.Psd.Layers;
 
@@ -15,8 +15,14 @@ internal static class PsdReader
         var header = PsdHeader.Read(new SectionReader(data, "file header", false));
         var reader = new SectionReader(data, "document", header.IsBig);
         reader.GoTo(PsdHeader.Size);
-        var colors = reader.Take(reader.UInt32("the length of the colour mode data"), "the colour mode data");
-        var resources = reader.Take(reader.UInt32("the length of the image resources"), "the image resources");
+        var colors = reader.Take(
+            reader.UInt32("the length of the colour mode data"),
+            "the colour mode data"
+        );
+        var resources = reader.Take(
+            reader.UInt32("the length of the image resources"),
+            "the image resources"
+        );
         var layers = ReadLayerSection(reader, header, recovery);
         var file = new PsdFile
         {
@@ -29,7 +35,11 @@ internal static class PsdReader
         return file;
     }
 
-    private static LayerSection ReadLayerSection(SectionReader reader, PsdHeader header, DataRecoveryMode recovery)
+    private static LayerSection ReadLayerSection(
+        SectionReader reader,
+        PsdHeader header,
+        DataRecoveryMode recovery
+    )
     {
         // Very old documents end behind their resources.
         if (reader.Remaining == 0)
@@ -37,9 +47,10 @@ internal static class PsdReader
             return new LayerSection();
         }
         var length = reader.Length("the length of the layer section");
-        var raw = recovery == DataRecoveryMode.None
-            ? reader.Take(length, "the layer section")
-            : reader.TakeUpTo(length, "the layer section");
+        var raw =
+            recovery == DataRecoveryMode.None
+                ? reader.Take(length, "the layer section")
+                : reader.TakeUpTo(length, "the layer section");
         var section = new LayerSection { Raw = raw };
         try
         {

@@ -1,4 +1,4 @@
-// Reads the image resources (Adobe Photoshop File Formats Specification, Image Resource Blocks).
+// Reads the image resources (Photoshop File Formats Specification, Image Resource Blocks).
 using Kelmor.PSD.FileFormats.Psd.Resources;
 
 namespace Kelmor.PSD.FileFormats.Psd.Reading;
@@ -7,9 +7,15 @@ internal static class ResourceReader
 {
     private const int SmallestBlock = 12;
 
-    /// <summary>Reads blocks until the section ends or something that is no block stands in it.</summary>
+    /// <summary>
+    /// Reads blocks until the section ends or something that is no block stands in it.
+    /// </summary>
     /// <returns>The bytes that form no block; they are kept and written again.</returns>
-    public static ReadOnlyMemory<byte> Read(ReadOnlyMemory<byte> section, List<ResourceBlock> blocks, bool isBig)
+    public static ReadOnlyMemory<byte> Read(
+        ReadOnlyMemory<byte> section,
+        List<ResourceBlock> blocks,
+        bool isBig
+    )
     {
         var reader = new SectionReader(section, "image resources", isBig);
         while (reader.Remaining >= SmallestBlock && ResourceBlock.IsSignature(reader.PeekCode()))

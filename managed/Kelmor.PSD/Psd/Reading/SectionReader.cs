@@ -39,7 +39,10 @@ internal sealed class SectionReader(ReadOnlyMemory<byte> data, string title, boo
     {
         if (count > (ulong)Remaining)
         {
-            throw new PsdImageException($"The {title} is damaged: {field} needs {count} bytes at offset {Position}, but {Remaining} are left.");
+            throw new PsdImageException(
+                $"The {title} is damaged: {field} needs {count} bytes at offset "
+                    + $"{Position}, but {Remaining} are left."
+            );
         }
         var taken = data.Slice(Position, (int)count);
         Position += (int)count;
@@ -47,10 +50,12 @@ internal sealed class SectionReader(ReadOnlyMemory<byte> data, string title, boo
     }
 
     /// <summary>The next bytes as a part of their own.</summary>
-    public SectionReader Part(ulong count, string partTitle) => new(Take(count, partTitle), partTitle, isBig);
+    public SectionReader Part(ulong count, string partTitle) =>
+        new(Take(count, partTitle), partTitle, isBig);
 
     /// <summary>At most so many of the next bytes.</summary>
-    public ReadOnlyMemory<byte> TakeUpTo(ulong count, string field) => Take(Math.Min(count, (ulong)Remaining), field);
+    public ReadOnlyMemory<byte> TakeUpTo(ulong count, string field) =>
+        Take(Math.Min(count, (ulong)Remaining), field);
 
     public ReadOnlyMemory<byte> TakeRest() => Take((ulong)Remaining, "the rest");
 
@@ -58,9 +63,10 @@ internal sealed class SectionReader(ReadOnlyMemory<byte> data, string title, boo
     public ReadOnlyMemory<byte> Since(int position) => data[position..Position];
 
     /// <summary>A four-letter code at a distance ahead, or 0 when the part ends before.</summary>
-    public uint PeekCode(int ahead = 0) => Remaining - ahead >= 4
-        ? BinaryPrimitives.ReadUInt32BigEndian(data.Span[(Position + ahead)..])
-        : 0;
+    public uint PeekCode(int ahead = 0) =>
+        Remaining - ahead >= 4
+            ? BinaryPrimitives.ReadUInt32BigEndian(data.Span[(Position + ahead)..])
+            : 0;
 
     public void GoTo(int position) => Position = Math.Clamp(position, 0, data.Length);
 

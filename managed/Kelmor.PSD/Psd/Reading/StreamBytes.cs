@@ -5,11 +5,15 @@ namespace Kelmor.PSD.FileFormats.Psd.Reading;
 
 internal static class StreamBytes
 {
-    // A stream that claims to be longer than this must first deliver so much before more is set aside.
+    // A stream that claims to be longer than this must first deliver so much before more is set
+    // aside.
     private const int Trusted = 64 << 20;
 
-    /// <summary>All bytes from the present position to the end; short reads are gone on with.</summary>
-    /// <exception cref="LimitMemoryException">The document does not fit into one block of memory.</exception>
+    /// <summary>
+    /// All bytes from the present position to the end; short reads are gone on with.
+    /// </summary>
+    /// <exception cref="LimitMemoryException">The document does not fit into one block of
+    /// memory.</exception>
     public static byte[] ReadToEnd(Stream stream)
     {
         var buffer = new byte[FirstGuess(stream)];
@@ -29,7 +33,9 @@ internal static class StreamBytes
             var count = stream.Read(buffer, filled, buffer.Length - filled);
             if (count < 0 || count > buffer.Length - filled)
             {
-                throw new StreamReadException($"The stream answered {count} to a read of {buffer.Length - filled} bytes.");
+                throw new StreamReadException(
+                    $"The stream answered {count} to a read of {buffer.Length - filled} bytes."
+                );
             }
             if (count == 0)
             {
@@ -52,6 +58,8 @@ internal static class StreamBytes
         var next = Math.Min(Math.Max(length * 2L, 1 << 16), Array.MaxLength);
         return next > length
             ? (int)next
-            : throw new LimitMemoryException($"The document is larger than {Array.MaxLength} bytes.");
+            : throw new LimitMemoryException(
+                $"The document is larger than {Array.MaxLength} bytes."
+            );
     }
 }

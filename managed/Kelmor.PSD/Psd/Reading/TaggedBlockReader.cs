@@ -1,4 +1,4 @@
-// Reads tagged blocks (Adobe Photoshop File Formats Specification, Additional Layer Information).
+// Reads tagged blocks (Photoshop File Formats Specification, Additional Layer Information).
 using Kelmor.PSD.FileFormats.Psd.Layers;
 
 namespace Kelmor.PSD.FileFormats.Psd.Reading;
@@ -35,7 +35,8 @@ internal static class TaggedBlockReader
         return reader.TakeRest();
     }
 
-    // Writers disagree whether the length includes the padding, and whether that goes up to 2 or to 4 bytes:
+    // Writers disagree whether the length includes the padding, and whether that goes up to 2 or to
+    // 4 bytes:
     // the next signature tells.
     private static int Padding(SectionReader reader)
     {

@@ -3,17 +3,32 @@ using System.Text;
 
 namespace Kelmor.PSD.FileFormats.Psd;
 
-/// <summary>An image resource (Adobe Photoshop File Formats Specification, Image Resource Blocks).</summary>
+/// <summary>
+/// An image resource (Adobe Photoshop File Formats Specification, Image Resource Blocks).
+/// </summary>
 public abstract class ResourceBlock
 {
     internal const int DefaultSignature = 0x3842494D; // "8BIM"
 
-    private static readonly HashSet<uint> Signatures = new[] { "8BIM", "MeSa", "AgHg", "PHUT", "DCSR" }
-        .Select(TaggedBlocks.Code).ToHashSet();
+    private static readonly HashSet<uint> Signatures = new[]
+    {
+        "8BIM",
+        "MeSa",
+        "AgHg",
+        "PHUT",
+        "DCSR",
+    }
+        .Select(TaggedBlocks.Code)
+        .ToHashSet();
 
     private ReadOnlyMemory<byte> data;
 
-    private protected ResourceBlock(int signature, short id, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
+    private protected ResourceBlock(
+        int signature,
+        short id,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data
+    )
     {
         Signature = signature;
         ID = id;

@@ -5,7 +5,12 @@ internal static class ResourceKinds
 {
     /// <summary>The resource as the class that understands it, else as an unknown one.</summary>
     public static ResourceBlock Create(
-        int signature, short id, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data, ReadOnlyMemory<byte> raw)
+        int signature,
+        short id,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data,
+        ReadOnlyMemory<byte> raw
+    )
     {
         ResourceBlock block = id switch
         {

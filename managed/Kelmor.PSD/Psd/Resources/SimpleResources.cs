@@ -9,10 +9,13 @@ namespace Kelmor.PSD.FileFormats.Psd.Resources;
 /// <summary>A resource that is kept byte for byte without being understood.</summary>
 public sealed class UnknownResource : ResourceBlock
 {
-    internal UnknownResource(int signature, short id, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, id, name, data)
-    {
-    }
+    internal UnknownResource(
+        int signature,
+        short id,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data
+    )
+        : base(signature, id, name, data) { }
 
     /// <summary>The content.</summary>
     public byte[] GetData() => Data.ToArray();
@@ -26,14 +29,14 @@ public sealed class ResolutionInfoResource : ResourceBlock
 
     /// <summary>72 pixels per inch both ways.</summary>
     public ResolutionInfoResource()
-        : base(DefaultSignature, Id, default, Build(72, 72))
-    {
-    }
+        : base(DefaultSignature, Id, default, Build(72, 72)) { }
 
-    internal ResolutionInfoResource(int signature, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, Id, name, data)
-    {
-    }
+    internal ResolutionInfoResource(
+        int signature,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data
+    )
+        : base(signature, Id, name, data) { }
 
     /// <summary>Pixels per inch across.</summary>
     public double HDpi
@@ -75,17 +78,25 @@ public sealed class ResolutionInfoResource : ResourceBlock
 
     // 16 bits before the point and 16 behind.
     private static void WriteFixed(Span<byte> target, double value) =>
-        BinaryPrimitives.WriteInt32BigEndian(target, (int)Math.Clamp(Math.Round(value * 65536), 0, int.MaxValue));
+        BinaryPrimitives.WriteInt32BigEndian(
+            target,
+            (int)Math.Clamp(Math.Round(value * 65536), 0, int.MaxValue)
+        );
 
-    private double Fixed(int at) => Data.Length >= at + 4 ? BinaryPrimitives.ReadInt32BigEndian(Data.Span[at..]) / 65536.0 : 72;
+    private double Fixed(int at) =>
+        Data.Length >= at + 4 ? BinaryPrimitives.ReadInt32BigEndian(Data.Span[at..]) / 65536.0 : 72;
 
-    private short Field(int at) => Data.Length >= at + 2 ? BinaryPrimitives.ReadInt16BigEndian(Data.Span[at..]) : (short)1;
+    private short Field(int at) =>
+        Data.Length >= at + 2 ? BinaryPrimitives.ReadInt16BigEndian(Data.Span[at..]) : (short)1;
 
     private void SetFixed(int at, double value)
     {
         if (value is not > 0 or > short.MaxValue)
         {
-            throw new ArgumentOutOfRangeException(nameof(value), $"The resolution must lie between 0 and {short.MaxValue}, not {value}.");
+            throw new ArgumentOutOfRangeException(
+                nameof(value),
+                $"The resolution must lie between 0 and {short.MaxValue}, not {value}."
+            );
         }
         var bytes = Data.Length >= Size ? Data.ToArray() : Build(72, 72);
         WriteFixed(bytes.AsSpan(at), value);
@@ -101,14 +112,10 @@ public sealed class IccProfileResource : ResourceBlock
     /// <summary>A profile.</summary>
     /// <param name="iccProfile">The bytes of the profile; copied.</param>
     public IccProfileResource(byte[] iccProfile)
-        : base(DefaultSignature, Id, default, (byte[])iccProfile.Clone())
-    {
-    }
+        : base(DefaultSignature, Id, default, (byte[])iccProfile.Clone()) { }
 
     internal IccProfileResource(int signature, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, Id, name, data)
-    {
-    }
+        : base(signature, Id, name, data) { }
 
     /// <summary>The bytes of the profile.</summary>
     public byte[] IccProfile => Data.ToArray();
@@ -121,14 +128,14 @@ public sealed class GlobalAngleResource : ResourceBlock
 
     /// <summary>An angle of 30 degrees.</summary>
     public GlobalAngleResource()
-        : base(DefaultSignature, Id, default, new byte[] { 0, 0, 0, 30 })
-    {
-    }
+        : base(DefaultSignature, Id, default, new byte[] { 0, 0, 0, 30 }) { }
 
-    internal GlobalAngleResource(int signature, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, Id, name, data)
-    {
-    }
+    internal GlobalAngleResource(
+        int signature,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data
+    )
+        : base(signature, Id, name, data) { }
 
     /// <summary>Degrees, -180 to 180.</summary>
     public int GlobalAngle
@@ -148,13 +155,16 @@ public sealed class TransparencyIndexResource : ResourceBlock
 {
     internal const short Id = 1047;
 
-    internal TransparencyIndexResource(int signature, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, Id, name, data)
-    {
-    }
+    internal TransparencyIndexResource(
+        int signature,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data
+    )
+        : base(signature, Id, name, data) { }
 
     /// <summary>Index of the entry.</summary>
-    public short TransparencyIndex => Data.Length >= 2 ? BinaryPrimitives.ReadInt16BigEndian(Data.Span) : (short)-1;
+    public short TransparencyIndex =>
+        Data.Length >= 2 ? BinaryPrimitives.ReadInt16BigEndian(Data.Span) : (short)-1;
 }
 
 /// <summary>Who wrote a document, and whether its merged image is real: resource 1057.</summary>
@@ -162,10 +172,12 @@ public sealed class VersionInfoResource : ResourceBlock
 {
     internal const short Id = 1057;
 
-    internal VersionInfoResource(int signature, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, Id, name, data)
-    {
-    }
+    internal VersionInfoResource(
+        int signature,
+        ReadOnlyMemory<byte> name,
+        ReadOnlyMemory<byte> data
+    )
+        : base(signature, Id, name, data) { }
 
     /// <summary>Version of the structure.</summary>
     public int Version => Data.Length >= 4 ? BinaryPrimitives.ReadInt32BigEndian(Data.Span) : 0;
@@ -193,14 +205,10 @@ public sealed class XmpResource : ResourceBlock
 
     /// <summary>Metadata.</summary>
     public XmpResource(XmpPacketWrapper xmpData)
-        : base(DefaultSignature, Id, default, Encoding.UTF8.GetBytes(xmpData.GetXmlValue()))
-    {
-    }
+        : base(DefaultSignature, Id, default, Encoding.UTF8.GetBytes(xmpData.GetXmlValue())) { }
 
     internal XmpResource(int signature, ReadOnlyMemory<byte> name, ReadOnlyMemory<byte> data)
-        : base(signature, Id, name, data)
-    {
-    }
+        : base(signature, Id, name, data) { }
 
     /// <summary>The metadata.</summary>
     public XmpPacketWrapper XmpData

@@ -1,4 +1,4 @@
-// Writes layer records and their channel data (Adobe Photoshop File Formats Specification, Layer info).
+// Writes layer records and their channel data (Photoshop File Formats Specification, Layer info).
 using Kelmor.PSD.FileFormats.Psd.Channels;
 using Kelmor.PSD.FileFormats.Psd.Layers;
 
@@ -13,7 +13,11 @@ internal static class LayerInfoWriter
     {
         var section = file.Layers;
         var info = new SectionWriter(isBig);
-        if (section.Layers.Count == 0 && !section.HasMergedTransparency && section.LayerInfoRest.IsEmpty)
+        if (
+            section.Layers.Count == 0
+            && !section.HasMergedTransparency
+            && section.LayerInfoRest.IsEmpty
+        )
         {
             return info;
         }
@@ -32,7 +36,13 @@ internal static class LayerInfoWriter
         return info;
     }
 
-    private static void WriteLayer(SectionWriter info, SectionWriter pixels, Layer layer, PsdHeader header, CompressionMethod? method)
+    private static void WriteLayer(
+        SectionWriter info,
+        SectionWriter pixels,
+        Layer layer,
+        PsdHeader header,
+        CompressionMethod? method
+    )
     {
         var record = layer.Record;
         var stored = new ReadOnlyMemory<byte>[record.Channels.Count];
@@ -40,11 +50,19 @@ internal static class LayerInfoWriter
         {
             var channel = record.Channels[i];
             var layout = record.LayoutOf(channel.ChannelID, header.Depth);
-            stored[i] = channel.Data.Store(layout, info.IsBig, MethodFor(channel.Data, layout, method));
+            stored[i] = channel.Data.Store(
+                layout,
+                info.IsBig,
+                MethodFor(channel.Data, layout, method)
+            );
             pixels.Block(stored[i]);
         }
-        var verbatim = !record.Raw.IsEmpty && !record.IsChanged && info.IsBig == header.IsBig
-            && record.Channels.TrueForAll(channel => !channel.Data.IsChanged) && method is null;
+        var verbatim =
+            !record.Raw.IsEmpty
+            && !record.IsChanged
+            && info.IsBig == header.IsBig
+            && record.Channels.TrueForAll(channel => !channel.Data.IsChanged)
+            && method is null;
         if (verbatim)
         {
             info.Block(record.Raw);
@@ -56,10 +74,18 @@ internal static class LayerInfoWriter
     }
 
     // Channels without samples keep the few bytes that they have.
-    private static CompressionMethod? MethodFor(ChannelData data, PlaneLayout layout, CompressionMethod? wanted) =>
-        layout.Bytes == 0 || !data.IsDecoded && !Enum.IsDefined(data.Method) ? null : wanted;
+    private static CompressionMethod? MethodFor(
+        ChannelData data,
+        PlaneLayout layout,
+        CompressionMethod? wanted
+    ) => layout.Bytes == 0 || !data.IsDecoded && !Enum.IsDefined(data.Method) ? null : wanted;
 
-    private static void WriteRecord(SectionWriter info, LayerRecord record, ReadOnlyMemory<byte>[] stored, bool sameVariant)
+    private static void WriteRecord(
+        SectionWriter info,
+        LayerRecord record,
+        ReadOnlyMemory<byte>[] stored,
+        bool sameVariant
+    )
     {
         info.Int32(record.Top);
         info.Int32(record.Left);

@@ -1,4 +1,4 @@
-// Writes the layer and mask information section (Adobe Photoshop File Formats Specification, of that name).
+// Writes the layer and mask information section (Photoshop File Formats Specification).
 using Kelmor.PSD.FileFormats.Psd.Layers;
 
 namespace Kelmor.PSD.FileFormats.Psd.Writing;
@@ -11,12 +11,23 @@ internal static class LayerSectionWriter
     /// <param name="writer">Target.</param>
     /// <param name="file">The document.</param>
     /// <param name="method">Another packing of all channels, or null to keep each.</param>
-    /// <param name="dropTextEngine">True: the text resource shared by all layers is left out.</param>
-    public static void Write(SectionWriter writer, PsdFile file, CompressionMethod? method, bool dropTextEngine)
+    /// <param name="dropTextEngine">True: the text resource shared by all layers is left
+    /// out.</param>
+    public static void Write(
+        SectionWriter writer,
+        PsdFile file,
+        CompressionMethod? method,
+        bool dropTextEngine
+    )
     {
         var section = file.Layers;
         var verbatim = writer.IsBig == file.Header.IsBig;
-        if (verbatim && !section.IsChanged && method is null && !(dropTextEngine && HasTextEngine(section)))
+        if (
+            verbatim
+            && !section.IsChanged
+            && method is null
+            && !(dropTextEngine && HasTextEngine(section))
+        )
         {
             writer.SectionLength(section.Raw.Length);
             writer.Block(section.Raw);
@@ -28,7 +39,12 @@ internal static class LayerSectionWriter
     }
 
     /// <summary>The section without its length, made anew from its parts.</summary>
-    public static SectionWriter Build(PsdFile file, bool isBig, CompressionMethod? method, bool dropTextEngine)
+    public static SectionWriter Build(
+        PsdFile file,
+        bool isBig,
+        CompressionMethod? method,
+        bool dropTextEngine
+    )
     {
         var section = file.Layers;
         var verbatim = isBig == file.Header.IsBig;
@@ -59,7 +75,8 @@ internal static class LayerSectionWriter
             {
                 TaggedBlockWriter.WriteHead(part, block.SignatureCode, block.KeyCode, info.Length);
                 part.Append(info);
-                // Unlike that of layers, the length of the document's blocks leaves the padding out.
+                // Unlike that of layers, the length of the document's blocks leaves the padding
+                // out.
                 part.Zeros((int)(-info.Length & 3));
                 continue;
             }
@@ -76,5 +93,8 @@ internal static class LayerSectionWriter
         section.Blocks.Exists(block => block.KeyCode == TextEngine);
 
     private static bool IsEmpty(LayerSection section) =>
-        section.Layers.Count == 0 && section.Blocks.Count == 0 && section.GlobalMask is null && section.LayerInfoRest.IsEmpty;
+        section.Layers.Count == 0
+        && section.Blocks.Count == 0
+        && section.GlobalMask is null
+        && section.LayerInfoRest.IsEmpty;
 }

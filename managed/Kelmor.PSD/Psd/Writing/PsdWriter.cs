@@ -1,4 +1,4 @@
-// Writes a layered document (Adobe Photoshop File Formats Specification, Photoshop File Structure).
+// Writes a layered document (Photoshop File Formats Specification, Photoshop File Structure).
 using Kelmor.PSD.CoreExceptions;
 using Kelmor.PSD.CoreExceptions.ImageFormats;
 using Kelmor.PSD.ImageOptions;
@@ -9,8 +9,11 @@ internal static class PsdWriter
 {
     private const int LargestPsdSide = 30_000;
 
-    /// <summary>Writes a document; sections that have not changed are written as they were read.</summary>
-    /// <exception cref="ImageSaveException">The document does not fit into the wanted variant.</exception>
+    /// <summary>
+    /// Writes a document; sections that have not changed are written as they were read.
+    /// </summary>
+    /// <exception cref="ImageSaveException">The document does not fit into the wanted
+    /// variant.</exception>
     public static void Write(PsdImage image, Stream stream, PsdOptions options)
     {
         var file = image.File;
@@ -20,7 +23,8 @@ internal static class PsdWriter
         {
             Rendering.MergedPicture.Refresh(image);
         }
-        CompressionMethod? method = options.CompressionMethod == file.Merged.Method ? null : options.CompressionMethod;
+        CompressionMethod? method =
+            options.CompressionMethod == file.Merged.Method ? null : options.CompressionMethod;
         var isBig = version == PsdVersion.Psb;
         var writer = new SectionWriter(isBig);
         WriteHeader(writer, file.Header with { Version = version });
@@ -35,16 +39,23 @@ internal static class PsdWriter
 
     private static PsdVersion WantedVersion(PsdFile file, PsdOptions options)
     {
-        var version = options.PsdVersion == PsdVersion.Psd && options.Version == (int)PsdVersion.Psb
-            ? PsdVersion.Psb
-            : options.PsdVersion;
+        var version =
+            options.PsdVersion == PsdVersion.Psd && options.Version == (int)PsdVersion.Psb
+                ? PsdVersion.Psb
+                : options.PsdVersion;
         if (version is not (PsdVersion.Psd or PsdVersion.Psb))
         {
             throw new ImageSaveException($"There is no variant {(int)version} of the format.");
         }
-        if (version == PsdVersion.Psd && Math.Max(file.Header.Width, file.Header.Height) > LargestPsdSide)
+        if (
+            version == PsdVersion.Psd
+            && Math.Max(file.Header.Width, file.Header.Height) > LargestPsdSide
+        )
         {
-            throw new ImageSaveException($"A document of {file.Header.Width} x {file.Header.Height} pixels is too large for PSD; save it as PSB.");
+            throw new ImageSaveException(
+                $"A document of {file.Header.Width} x {file.Header.Height} pixels is too "
+                    + "large for PSD; save it as PSB."
+            );
         }
         return version;
     }
@@ -53,13 +64,24 @@ internal static class PsdWriter
     private static void VerifyKind(PsdFile file, PsdOptions options)
     {
         var isDefault = options is { ColorMode: ColorModes.Rgb, ChannelBitsCount: 8 };
-        if (!isDefault && (options.ColorMode != file.Header.Mode || options.ChannelBitsCount != file.Header.Depth))
+        if (
+            !isDefault
+            && (
+                options.ColorMode != file.Header.Mode
+                || options.ChannelBitsCount != file.Header.Depth
+            )
+        )
         {
-            throw new NotSupportedException($"A document of the mode {file.Header.Mode} with {file.Header.Depth} bits is not converted to {options.ColorMode} with {options.ChannelBitsCount} bits.");
+            throw new NotSupportedException(
+                $"A document of the mode {file.Header.Mode} with {file.Header.Depth} bits "
+                    + $"is not converted to {options.ColorMode} with {options.ChannelBitsCount} bits."
+            );
         }
         if (!Enum.IsDefined(options.CompressionMethod))
         {
-            throw new PsdImageArgumentException($"The compression method {(int)options.CompressionMethod} is not known.");
+            throw new PsdImageArgumentException(
+                $"The compression method {(int)options.CompressionMethod} is not known."
+            );
         }
     }
 

@@ -1,4 +1,4 @@
-// Writes image resources (Adobe Photoshop File Formats Specification, Image Resource Blocks).
+// Writes image resources (Photoshop File Formats Specification, Image Resource Blocks).
 namespace Kelmor.PSD.FileFormats.Psd.Writing;
 
 internal static class ResourceWriter

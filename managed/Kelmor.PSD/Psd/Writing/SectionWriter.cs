@@ -62,9 +62,14 @@ internal sealed class SectionWriter(bool isBig)
 
     /// <summary>A length of 4 bytes.</summary>
     /// <exception cref="ImageSaveException">The length does not fit.</exception>
-    public void ShortLength(long length) => UInt32(length <= uint.MaxValue
-        ? (uint)length
-        : throw new ImageSaveException($"A section of {length} bytes is too large for a PSD document; save it as PSB."));
+    public void ShortLength(long length) =>
+        UInt32(
+            length <= uint.MaxValue
+                ? (uint)length
+                : throw new ImageSaveException(
+                    $"A section of {length} bytes is too large for a PSD document; save it as PSB."
+                )
+        );
 
     /// <summary>Everything that another writer holds.</summary>
     public void Append(SectionWriter part)

@@ -1,4 +1,4 @@
-// Writes tagged blocks (Adobe Photoshop File Formats Specification, Additional Layer Information).
+// Writes tagged blocks (Photoshop File Formats Specification, Additional Layer Information).
 using Kelmor.PSD.FileFormats.Psd.Layers;
 
 namespace Kelmor.PSD.FileFormats.Psd.Writing;
@@ -20,7 +20,12 @@ internal static class TaggedBlockWriter
     }
 
     /// <summary>One block from its parts.</summary>
-    public static void Write(SectionWriter writer, uint signature, uint key, ReadOnlyMemory<byte> data)
+    public static void Write(
+        SectionWriter writer,
+        uint signature,
+        uint key,
+        ReadOnlyMemory<byte> data
+    )
     {
         var padded = data.Length + 3L & ~3L;
         WriteHead(writer, signature, key, padded);
