@@ -20,8 +20,7 @@ struct SlotRange {
 };
 
 void raise_forked() {
-    PyErr_SetString(PyExc_RuntimeError,
-                    "managed code cannot be called in a forked child process");
+    PyErr_SetString(PyExc_RuntimeError, "managed code cannot be called in a forked child process");
 }
 
 // Stands in for every delegate of whatever signature: the caller cleans the arguments up.

@@ -34,8 +34,8 @@ int mark(const BoundType &row) {
         return fail(-1017, type);
     if (!set_interfaces(fn_set_implicit_ifcs_markattr, type, row.implicit, row.implicit_count))
         return fail(-1018, type);
-    const bool marked = row.is_struct ? fn_set_stc_type_host_markattr(type)
-                                      : fn_set_obj_type_host_markattr(type);
+    const bool marked =
+        row.is_struct ? fn_set_stc_type_host_markattr(type) : fn_set_obj_type_host_markattr(type);
     if (!marked) return fail(-1016, type);
     if (!fn_set_castable_type_markattr(type, Py_None)) return fail(-1021, type);
     return 0;

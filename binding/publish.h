@@ -1,4 +1,5 @@
-// The part of a module initialiser that one bound class or struct is: a row, and what is done to it.
+// The part of a module initialiser that one bound class or struct is: a row, and what is done to
+// it.
 #pragma once
 
 #include "shell/cpython.h"

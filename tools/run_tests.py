@@ -14,7 +14,7 @@ DEBIAN_PACKAGES = pathlib.Path("/usr/lib/python3/dist-packages")
 SHARED_PACKAGES = """_pytest pytest pluggy iniconfig packaging attr attrs exceptiongroup tomli
     hypothesis sortedcontainers _hypothesis_pytestplugin.py _hypothesis_ftz_detector.py py py.py
     xdist execnet pytest_timeout.py""".split()
-FOLDERS = ["boundary", "package", "properties", "system"]
+FOLDERS = ["boundary", "golden", "package", "properties", "system"]
 
 
 def run(name, command, **kwargs):

@@ -46,7 +46,7 @@ CLASSES = {
 }
 
 
-def scene(*ids, refuse=()):
+def scene(*ids, refuse=(), kind="Scene"):
     """A test whose body runs in a process of its own, with a Scene as its argument.
 
     `refuse`: (class, method) pairs for which the peer has no delegate.
@@ -71,8 +71,8 @@ def scene(*ids, refuse=()):
             if isinstance(node, (ast.Import, ast.ImportFrom))
         ]
         program = "\n".join(
-            [*imports, "from wrappers import Scene", shared, *lines[start:]]
-            + [f"{body.__name__}(Scene({tuple(refuse)!r}))"]
+            [*imports, f"from wrappers import {kind}", shared, *lines[start:]]
+            + [f"{body.__name__}({kind}({tuple(refuse)!r}))"]
         )
 
         def test(in_process):
@@ -169,9 +169,12 @@ class Scene:
 
     def status(self, name, *arguments, wide=False):
         """What a callback answers, and the error that it leaves pending."""
-        call = self.function(f"status{'64' if wide else ''}_and_error", OBJECT, *[POINTER] * 6)
+        import native
+
+        call = native.function(f"status{'64' if wide else ''}_and_error", OBJECT, *[POINTER] * 6)
+        address = name if type(name) is int else native.address(name)
         words = [a if type(a) is int else id(a) for a in arguments]
-        return call(self.native.address(name), *words, *[0] * (5 - len(words)))
+        return call(address, *words, *[0] * (5 - len(words)))
 
     # The managed side.
 
@@ -248,3 +251,88 @@ def shown(outcome):
     """Status, kind and text of what `Scene.status` gives."""
     status, error = outcome
     return (status, None) if error is None else (status, type(error), str(error))
+
+
+# The tags of the generic callback table, in its order.
+GENERIC_ORDER = """
+5DD05DF7 404E5618 E90A8A3E A8DABD8E 342FE80E 188E811B 30E804BA
+8B10719C C1D35DED 53A3759B 473C851B A0E7C71A F9646F9F 11570E3D
+9DECBCBA 0D30925B 2FDE0862 02992A18 DF816D51 BBEAD545 F372CE9B
+8914A225 25E8868A 9B7EDA9E 50C6B2CE 06BBE5C9 4B6EE0B1 46E3121E
+7B161336 47FE0CC9 4D95EE1F CEAC6EB6 67EEC098 C7127822 42C841FE
+A34CCD0B 24892AA5 5C0982BF 92F00F0B F25B175D 1BA766B5 FCB07591
+A2718E40 A4A29720 E7C32114 CF33F510 CBE911FC 57AC8DC4 110A8374
+""".split()
+
+
+class PsdScene(Scene):
+    """The extension itself over the scripted peer, beside siblings made of nothing."""
+
+    def __init__(self, refuse=()):
+        import family
+
+        self.script = peer.Script()
+        for name, method in refuse:
+            self.script.refuse(CLASSES.get(name, name), method, 77)
+        self.kept, self.family = [], family
+        for method in ("SetPyStaticCallbacks", "SetPyGenericCallbacks"):
+            self.method("Exchange", method).takes(1)
+        self.registry = family.Registry(self.script)
+        stubs = family.Family().complete()
+        self.method("Test", "TypeToPy").calls(lambda f: self.give(f, ("Type", f.integers[0])))
+        self.method("Test", "ObjectToPy").calls(lambda f: self.give(f, ("Object", f.integers[0])))
+        for name, to_py, through in [
+            ("Type", "TypeToPy", "TypeFromPy"),
+            ("Object", "ObjectToPy", "ObjectFromPy"),
+        ]:
+            words = [0, self.method("Test", to_py).address, self.method("Test", through).address]
+            stubs.capsule(f"kelmor.typemodel._C_APIT_{name}", self.table(*words))
+        self.method("Test", "Factory").calls(self.make_result)
+        stubs.capsule(family.FACTORY, self.table(self.method("Test", "Factory").address))
+        words = [self.method("Test", name).address for name in ("GfxFromPy", "GfxToPy")]
+        self.method("Test", "GfxToPy").calls(
+            lambda f: self.give(f, ("Gfx", POINTER.from_address(f.integers[0]).value))
+        )
+        stubs.capsule("kelmor.gfxtypes._C_APITV1_Color", self.table(*words, 0))
+        self.psd = stubs.psd()
+        self.interop, self.generic = self.psd._wrpgen._interop, self.psd._wrpgen._generic
+        self.calls_of_start = {
+            entry["method"]: entry["arguments"][:1]
+            for entry in self.script.journal
+            if entry["call"] == "delegate"
+        }
+        self.requests_of_start = self.script.requests
+        self.clear()
+
+    def table(self, *words):
+        memory = (POINTER * len(words))(*words)
+        self.kept.append(memory)
+        return ctypes.addressof(memory)
+
+    def method(self, kind, name):
+        return self.script.method(CLASSES.get(kind, kind), name, peer.ASSEMBLY)
+
+    def wrap(self, kind, handle):
+        w = kind.__new__(kind)
+        POINTER.from_address(id(w) + 16).value = handle
+        return w
+
+    def callback(self, tag, half):
+        """The element reader of a tag: half 0 for lists, 1 for sequences."""
+        (tables,) = self.calls_of_start["SetPyGenericCallbacks"]
+        table = POINTER.from_address(tables + 8 * (GENERIC_ORDER.index(tag) + 49 * half)).value
+        return POINTER.from_address(table).value if table else None
+
+    def requests_for(self, kind):
+        return [method for name, method in self.script.requests if name == kind]
+
+    def types_below(self, module=None):
+        """All types of the tree: module, name, type."""
+        module = module or self.psd
+        found = []
+        for name, value in vars(module).items():
+            if isinstance(value, type) and value is not type:
+                found.append((module.__name__, name, value))
+            elif isinstance(value, type(ast)) and value.__name__.startswith("kelmor.psd"):
+                found.extend(self.types_below(value))
+        return found

@@ -113,3 +113,15 @@ def test_keywords_are_the_managed_parameter_names(managed, python):
 )
 def test_an_entry_class_is_named_by_namespace_cut_name_and_tag(namespace, name, tag, entry):
     assert names.entry_class(namespace, name, tag) == entry
+
+
+@pytest.mark.behaviour("family-class.names.ds-exception")
+def test_an_odd_name_is_data(generation):
+    from wrpgen import families, model
+
+    composer = families.Composer(generation("psd").extension)
+    row = {"type": "LayerGroupsEnabledResource", "kind": "class"}
+    owner = model.Type.read("Kelmor.PSD.FileFormats.Psd.Resources", row)
+    member = model.Member.read({"kind": "property", "name": "IDs", "type": "System.Byte[]"})
+    assert composer._py_name(owner, member) == "ds"
+    assert names.snake("IDs") == "i_ds"

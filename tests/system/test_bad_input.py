@@ -1,6 +1,5 @@
 """Wrong input is answered by the right error, and nothing is lost on the way."""
 
-import gc
 import io
 import sys
 
@@ -101,7 +100,7 @@ class Raising(io.RawIOBase):
         return self._inner.tell()
 
 
-@pytest.mark.parametrize("calls", [0, 1, 2, 5])
+@pytest.mark.parametrize("calls", [0, 1, 2])
 def test_a_stream_that_raises_while_read_is_an_error(image_class, content, calls):
     with pytest.raises(RuntimeError) as failure:
         documents.load(Raising(content, calls))
@@ -157,14 +156,14 @@ def test_a_stream_that_comes_back_short_is_read_to_its_end(content):
     assert target.getvalue() == content
 
 
-def test_the_file_object_is_given_back(content):
+def test_the_file_object_is_given_back(content, live_handles):
     stream = io.BytesIO(content)
     before = sys.getrefcount(stream)
     with documents.load(stream) as document:
         assert document.width > 0
     del document
-    gc.collect()
-    assert sys.getrefcount(stream) <= before + 1  # a late release waits for the next call
+    live_handles()  # collects on both sides
+    assert sys.getrefcount(stream) == before
     assert not stream.closed
 
 
@@ -201,13 +200,14 @@ def test_an_unwritable_path_is_an_error(content, tmp_path):
         with pytest.raises(RuntimeError) as failure:
             document.save(str(tmp_path / "no" / "such" / "folder.psd"))
     assert "DirectoryNotFoundException" in proxy_error(failure)
+    assert f"'{tmp_path / 'no' / 'such' / 'folder.psd'}'" in str(failure.value)
 
 
-def test_refused_loads_leave_no_references(image_class):
+def test_refused_loads_leave_no_references(image_class, live_handles):
     stream = io.BytesIO(b"no document")
     before = sys.getrefcount(stream)
     for _ in range(50):
         with pytest.raises(RuntimeError):
             image_class.load(stream)
-    gc.collect()
-    assert sys.getrefcount(stream) <= before + 1
+    live_handles()  # collects on both sides: managed adapters hold the stream until then
+    assert sys.getrefcount(stream) == before

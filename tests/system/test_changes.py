@@ -24,7 +24,8 @@ def changed(sample, tmp_path, no_handle_leaks):
     """The path of a copy in which the middle layer has another name, opacity and visibility."""
     target = tmp_path / f"changed{sample.suffix}"
     with documents.load(sample) as document:
-        layers = [layer for layer, _ in documents.walk(documents.tree(document))]
+        nodes = documents.walk(documents.tree(document))
+        layers = [layer for layer, children in nodes if children is None]
         layer = layers[len(layers) // 2]
         layer.name = "Changed"
         layer.opacity = 77
@@ -42,7 +43,7 @@ def psd_tools_view(path):
             "opacity": layer.opacity,
             "visible": layer.visible,
             "blend": layer.blend_mode,
-            "box": layer.bbox,
+            "box": [getattr(layer._record, side) for side in ("left", "top", "right", "bottom")],
             "clipping": layer.clipping_layer,
             "depth": depth_of(layer),
             "channels": [channel.data for channel in layer._channels],
@@ -140,7 +141,8 @@ def test_a_name_of_any_script_and_length_survives(sample, name):
     target.seek(0)
     bottom = list(psd_tools.PSDImage.open(target).descendants())[0]
     if name and not bottom.is_group():
-        assert bottom.name == name
+        # psd-tools leaves the two halves of a surrogate pair apart.
+        assert bottom.name.encode("utf-16-le", "surrogatepass").decode("utf-16-le") == name
 
 
 @pytest.mark.parametrize(

