@@ -1,4 +1,4 @@
-"""Property tests run on the real runtime through kelmor.harness, and say how many cases they ran."""
+"""Property tests: the real runtime through kelmor.harness, and how many cases were run."""
 
 import collections
 
