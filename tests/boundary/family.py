@@ -190,13 +190,21 @@ class Registry:
 
     def __init__(self, script):
         self.script, self.name, self.token = script, None, 0
+        self.seen = {}
         for method in ("SetU16StrBuilderCallback", "SetPyStaticCallbacks"):
             script.method(peer.EXCHANGE, method, peer.ASSEMBLY).takes(1)
         script.method(peer.EXCHANGE, "GetTypeName", peer.ASSEMBLY).calls(self.answer)
 
+    def remember(self):
+        """Notes what was handed over, so that the journal may be cleared."""
+        for entry in self.script.journal:
+            if entry["call"] == "delegate" and entry["arguments"]:
+                self.seen[entry["method"]] = entry["arguments"][0]
+
     def callback(self, method):
-        entries = [e for e in self.script.journal if e.get("method") == method]
-        return [e for e in entries if e["call"] == "delegate"][-1]["arguments"][0]
+        if method not in self.seen:
+            self.remember()
+        return self.seen[method]
 
     def answer(self, frame):
         create = ctypes.PYFUNCTYPE(ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int32)(

@@ -2,135 +2,113 @@
 
     @psd_scene("family-class.getter.call")
     def test_a_property_asks_each_time(s):
-        s.gives("Xmp.XmpHeaderPi", "get_Guid", "one")
+        s.returns_object("Xmp.XmpHeaderPi", "get_Guid", "one")
         assert s.make("Xmp.XmpHeaderPi").guid == "one"
 
-The body runs in a process of its own, with siblings made of nothing; classes are named by their
-managed names below Kelmor.PSD.
+The siblings are made of nothing. Classes are named by their managed names below Kelmor.PSD, entry
+classes that are no bound class as the runtime has them.
 """
 
 import ctypes
-import importlib
-import inspect
+import functools
 import json
 import struct
-import sys  # noqa: F401  (for the bodies)
-import textwrap
-
-import pytest
+import types
 
 import peer
+import wrappers
+from wrappers import CLASSES, POINTER, Scene
 
-OBJECT, POINTER = ctypes.py_object, ctypes.c_void_p
+psd_scene = functools.partial(wrappers.scene, kind="Psd", module="psd_scene")
+
 TAGS = {
-    name.removeprefix("Kelmor.PSD."): pair
+    name.replace("Kelmor.PSD.", "", 1): pair
     for name, pair in json.loads((peer.ROOT / "api/tags.json").read_text())["psd"].items()
 }
-SERVICES = {
-    "Disposable": "Kelmor.WrpGen.Interop.SiApiDisposable",
-    "Exchange": peer.EXCHANGE,
-    "Object": peer.OBJECT,
-}
+
+# The tags of the generic callback table, in its order.
+GENERIC_ORDER = """
+5DD05DF7 404E5618 E90A8A3E A8DABD8E 342FE80E 188E811B 30E804BA
+8B10719C C1D35DED 53A3759B 473C851B A0E7C71A F9646F9F 11570E3D
+9DECBCBA 0D30925B 2FDE0862 02992A18 DF816D51 BBEAD545 F372CE9B
+8914A225 25E8868A 9B7EDA9E 50C6B2CE 06BBE5C9 4B6EE0B1 46E3121E
+7B161336 47FE0CC9 4D95EE1F CEAC6EB6 67EEC098 C7127822 42C841FE
+A34CCD0B 24892AA5 5C0982BF 92F00F0B F25B175D 1BA766B5 FCB07591
+A2718E40 A4A29720 E7C32114 CF33F510 CBE911FC 57AC8DC4 110A8374
+""".split()
+
+REFERENCE = "one or more refereced type is not initialized"
 
 
 def entry_class(name):
-    """The name under which the runtime finds the entry class of a managed class."""
-    if name in SERVICES:
-        return SERVICES[name]
-    if name.startswith("Generic."):
-        return "Kelmor.WrpGen." + name
+    """The name under which the runtime finds an entry class."""
+    if name not in TAGS:
+        return CLASSES.get(name, name)
     space, _, simple = f"Kelmor.PSD.{name}".rpartition(".")
     own = simple.rpartition("+")[2]
     spaces = ".".join(f"WrpNs_{part}" for part in space.split("."))
     return f"{spaces}.WrpCs_{own[:8]}_{TAGS[name][1]}"
 
 
-def psd_scene(*ids, refuse=()):
-    """A test whose body runs in a process of its own, with a Psd as its argument.
-
-    `refuse`: (class, method) pairs for which the peer has no delegate.
-    """
-
-    def decorate(body):
-        lines = textwrap.dedent(inspect.getsource(body)).splitlines()
-        start = next(i for i, line in enumerate(lines) if line.startswith("def "))
-        module = inspect.getmodule(body)
-        shared = "".join(
-            inspect.getsource(value) + "\n"
-            for name, value in vars(module).items()
-            if inspect.isfunction(value)
-            and value.__module__ == module.__name__
-            and not name.startswith("test_")
-        )
-        program = "\n".join(
-            ["from psd_scene import *", shared, *lines[start:]]
-            + [f"{body.__name__}(Psd({tuple(refuse)!r}))"]
-        )
-
-        def test(in_process):
-            in_process(program)
-
-        test.__name__, test.__doc__ = body.__name__, body.__doc__
-        test.__module__ = body.__module__
-        return pytest.mark.behaviour(*ids)(test) if ids else test
-
-    return decorate
+def missing_text(name, method, number=77):
+    return (
+        f"While initializing the host for the '{entry_class(name)} (Assembly={peer.ASSEMBLY})'"
+        f" type, an error occurred - Method '{method}' not found (error={number})"
+    )
 
 
-class Psd:
+class Psd(Scene):
     def __init__(self, refuse=()):
-        from family import Family
+        import family
 
-        self.script = peer.Script()
+        self.script, self.kept = peer.Script(), []
         for name, method in refuse:
             self.script.refuse(entry_class(name), method, 77)
-        self.kept = []
-        family = Family().complete()
-        for name in ("Type", "Object", "Enum"):
-            self.serve_sibling(family, name)
         for setter in ("SetPyStaticCallbacks", "SetPyGenericCallbacks", "SetExceptionCallback"):
             self.method("Exchange", setter).takes(1)
-        self.psd = importlib.import_module("kelmor.psd")
+        self.registry = family.Registry(self.script)
+        stubs = family.Family().complete()
+        self.serve_siblings(stubs)
+        self.psd = stubs.psd()
+        self.interop, self.generic = self.psd._wrpgen._interop, self.psd._wrpgen._generic
         self.journal_of_start = self.script.journal
-        self.script.clear_journal()
-        # What the interpreter still does while a process ends must find an answer.
-        self.freed_at_start = 0
+        self.registry.remember()
+        self.clear()
 
-    def serve_sibling(self, family, name):
-        """The converters of typemodel: a handle comes back as the pair of name and handle."""
+    def serve_siblings(self, stubs):
+        """A value of a sibling is shown as the pair of its type's name and its handle."""
+        for name in ("Type", "Object", "Enum"):
+            self.method("Test", name + "ToPy").calls(self.show_as(name))
+            words = [0] + [self.address(f"{name}{way}") for way in ("ToPy", "FromPy")]
+            stubs.capsule(f"kelmor.typemodel._C_APIT_{name}", self.table(words))
+        for name in ("Color", "PointF"):
+            self.method("Test", name + "ToPy").calls(self.show_as(name, by_address=True))
+            words = [self.address(f"{name}{way}") for way in ("FromPy", "ToPy")]
+            stubs.capsule(f"kelmor.gfxtypes._C_APITV1_{name}", self.table(words + [0]))
+        self.method("Test", "Factory").calls(self.make_result)
+        stubs.capsule("kelmor.shellbase._C_APIF", self.table([self.address("Factory")]))
 
-        def give(frame):
-            frame.result = self.new_ref((name, frame.integers[0]))
+    def show_as(self, name, by_address=False):
+        def show(frame):
+            word = frame.integers[0]
+            self.give(frame, (name, POINTER.from_address(word).value if by_address else word))
 
-        to_py = self.script.method("Sibling", name + "ToPy", "Sibling").calls(give)
-        through = self.script.method("Sibling", name + "Through", "Sibling")
-        table = ctypes.cast(
-            family.tables[f"kelmor.typemodel._C_APIT_{name}"], ctypes.POINTER(ctypes.c_uint64)
-        )
-        table[1], table[2] = to_py.address, through.address
+        return show
+
+    def address(self, name):
+        return self.method("Test", name).address
+
+    def table(self, words):
+        memory = (POINTER * len(words))(*words)
+        self.kept.append(memory)
+        return ctypes.addressof(memory)
 
     # The managed side.
 
-    def method(self, kind, name):
-        """An entry of a bound class, or of a service."""
-        return self.script.method(entry_class(kind), name, peer.ASSEMBLY)
+    def method(self, name, method):
+        return self.script.method(entry_class(name), method, peer.ASSEMBLY)
 
-    def on(self, kind, name, function):
-        """Answers a call by a function over the frame; `frame.result` starts as 0."""
-        return self.method(kind, name).calls(function)
-
-    def gives(self, kind, name, value):
-        """The method gives a new reference to the object at each call."""
-
-        def give(frame):
-            frame.result = self.new_ref(value)
-
-        return self.on(kind, name, give)
-
-    def new_ref(self, value):
-        ctypes.pythonapi.Py_IncRef(OBJECT(value))
-        self.kept.append(value)
-        return id(value)
+    # The Python side.
 
     def type_of(self, name):
         """The Python type of a managed class."""
@@ -148,64 +126,38 @@ class Psd:
         self.method(name, entry).reset().returns(handle)
         return self.type_of(name)(*arguments)
 
-    def bare(self, name, handle):
-        """A wrapper over a handle that no constructor made."""
-        wrapper = self.type_of(name).__new__(self.type_of(name))
-        POINTER.from_address(id(wrapper) + 16).value = handle
+    def wrap(self, kind, handle):
+        """A wrapper over a handle that no constructor made; of a type, or of a class by name."""
+        kind = self.type_of(kind) if isinstance(kind, str) else kind
+        wrapper = kind.__new__(kind)
+        POINTER.from_address(id(wrapper) + object.__basicsize__).value = handle
         return wrapper
+
+    def callback(self, tag, half):
+        """The element reader of a tag: half 0 for lists, 1 for sequences."""
+        tables = self.registry.callback("SetPyGenericCallbacks")
+        table = POINTER.from_address(tables + 8 * (GENERIC_ORDER.index(tag) + 49 * half)).value
+        return POINTER.from_address(table).value if table else None
+
+    def types_below(self, module=None):
+        """All types of the tree: module, name, type."""
+        module = module or self.psd
+        found = []
+        for name, value in vars(module).items():
+            if isinstance(value, type) and value is not type:
+                found.append((module.__name__, name, value))
+            elif isinstance(value, types.ModuleType) and value.__name__.startswith("kelmor.psd"):
+                found.extend(self.types_below(value))
+        return found
 
     # What was seen.
 
-    @property
-    def delegates(self):
-        """Names of the methods that were called."""
-        return self.script.delegates()
-
-    def calls(self, name, count=4):
-        """First arguments of each call of a method."""
-        return [
-            entry["arguments"][:count]
-            for entry in self.script.journal
-            if entry["call"] == "delegate" and entry["method"] == name
-        ]
-
-    def requests(self, kind=None):
-        """The methods that were asked for, of one class or of all bound classes."""
+    def requests(self, name=None):
+        """The methods asked for, of one class; else class and method, of all bound ones."""
         wanted = self.script.requests
-        if kind is None:
+        if name is None:
             return [(cls, method) for cls, method in wanted if cls.startswith("WrpNs_")]
-        return [method for cls, method in wanted if cls == entry_class(kind)]
-
-    def clear(self):
-        self.script.clear_journal()
-
-
-def missing_text(kind, method, number=77):
-    return (
-        f"While initializing the host for the '{entry_class(kind)} (Assembly={peer.ASSEMBLY})'"
-        f" type, an error occurred - Method '{method}' not found (error={number})"
-    )
-
-
-REFERENCE = "one or more refereced type is not initialized"
-
-
-def raised(kind, function, *arguments, **keywords):
-    """What a call raises: exactly this kind."""
-    try:
-        function(*arguments, **keywords)
-    except BaseException as error:
-        assert type(error) is kind, repr(error)
-        return error
-    raise AssertionError(f"{kind.__name__} was not raised")
-
-
-def text_of(kind, function, *arguments, **keywords):
-    return str(raised(kind, function, *arguments, **keywords))
-
-
-def handle_of(wrapper):
-    return POINTER.from_address(id(wrapper) + 16).value
+        return [method for cls, method in wanted if cls == entry_class(name)]
 
 
 def string_at(address):
@@ -216,13 +168,4 @@ def string_at(address):
 
 def variant_at(address):
     """kind and value of a VariantArg."""
-    return struct.unpack("<i4xQ", ctypes.string_at(address, 16))
-
-
-def low(word, size, signed=False):
-    """The number in the low bytes of a register."""
-    raw = (word & 0xFFFFFFFFFFFFFFFF).to_bytes(8, "little")[:size]
-    return int.from_bytes(raw, "little", signed=signed)
-
-
-__all__ = [name for name in dir() if not name.startswith("__")]
+    return wrappers.variant(ctypes.string_at(address, 16))

@@ -14,7 +14,6 @@ import ast
 import ctypes
 import inspect
 import struct
-import textwrap
 import types
 
 import peer
@@ -46,33 +45,24 @@ CLASSES = {
 }
 
 
-def scene(*ids, refuse=(), kind="Scene"):
-    """A test whose body runs in a process of its own, with a Scene as its argument.
+def scene(*ids, refuse=(), kind="Scene", module="wrappers"):
+    """A test whose body runs in a process of its own, with a scene as its argument.
 
-    `refuse`: (class, method) pairs for which the peer has no delegate.
+    `refuse`: (class, method) pairs for which the peer has no delegate. `kind` and `module`: the
+    class of the scene and where it stands.
     """
 
     import pytest  # not at the top: the processes of the tests do without
 
     def decorate(body):
-        lines = textwrap.dedent(inspect.getsource(body)).splitlines()
-        start = next(i for i, line in enumerate(lines) if line.startswith("def "))
-        module = inspect.getmodule(body)
-        shared = "".join(
-            inspect.getsource(value) + "\n"
-            for name, value in vars(module).items()
-            if (inspect.isfunction(value) or inspect.isclass(value))
-            and value.__module__ == module.__name__
-            and not name.startswith("test_")
-        )
-        imports = [
-            ast.unparse(node)
-            for node in ast.parse(inspect.getsource(module)).body
-            if isinstance(node, (ast.Import, ast.ImportFrom))
-        ]
+        source = inspect.getsource(body)
         program = "\n".join(
-            [*imports, f"from wrappers import {kind}", shared, *lines[start:]]
-            + [f"{body.__name__}({kind}({tuple(refuse)!r}))"]
+            [
+                surroundings(inspect.getmodule(body)),
+                source[source.index("\ndef ") :],
+                f"from {module} import {kind}",
+                f"{body.__name__}({kind}({tuple(refuse)!r}))",
+            ]
         )
 
         def test(in_process):
@@ -83,6 +73,19 @@ def scene(*ids, refuse=(), kind="Scene"):
         return pytest.mark.behaviour(*ids)(test) if ids else test
 
     return decorate
+
+
+def surroundings(module):
+    """What a body needs of its module: imports and constants, and functions that are no tests."""
+    source = inspect.getsource(module)
+    kept = []
+    for node in ast.parse(source).body:
+        names = [part.name for part in getattr(node, "names", [])]
+        is_test = getattr(node, "name", "").startswith("test_")
+        is_fixture = getattr(node, "decorator_list", [])
+        if not is_test and not is_fixture and names != ["pytest"]:
+            kept.append(ast.get_source_segment(source, node))
+    return "\n".join(kept)
 
 
 def raised(kind, function, *arguments, **keywords):
@@ -251,88 +254,3 @@ def shown(outcome):
     """Status, kind and text of what `Scene.status` gives."""
     status, error = outcome
     return (status, None) if error is None else (status, type(error), str(error))
-
-
-# The tags of the generic callback table, in its order.
-GENERIC_ORDER = """
-5DD05DF7 404E5618 E90A8A3E A8DABD8E 342FE80E 188E811B 30E804BA
-8B10719C C1D35DED 53A3759B 473C851B A0E7C71A F9646F9F 11570E3D
-9DECBCBA 0D30925B 2FDE0862 02992A18 DF816D51 BBEAD545 F372CE9B
-8914A225 25E8868A 9B7EDA9E 50C6B2CE 06BBE5C9 4B6EE0B1 46E3121E
-7B161336 47FE0CC9 4D95EE1F CEAC6EB6 67EEC098 C7127822 42C841FE
-A34CCD0B 24892AA5 5C0982BF 92F00F0B F25B175D 1BA766B5 FCB07591
-A2718E40 A4A29720 E7C32114 CF33F510 CBE911FC 57AC8DC4 110A8374
-""".split()
-
-
-class PsdScene(Scene):
-    """The extension itself over the scripted peer, beside siblings made of nothing."""
-
-    def __init__(self, refuse=()):
-        import family
-
-        self.script = peer.Script()
-        for name, method in refuse:
-            self.script.refuse(CLASSES.get(name, name), method, 77)
-        self.kept, self.family = [], family
-        for method in ("SetPyStaticCallbacks", "SetPyGenericCallbacks"):
-            self.method("Exchange", method).takes(1)
-        self.registry = family.Registry(self.script)
-        stubs = family.Family().complete()
-        self.method("Test", "TypeToPy").calls(lambda f: self.give(f, ("Type", f.integers[0])))
-        self.method("Test", "ObjectToPy").calls(lambda f: self.give(f, ("Object", f.integers[0])))
-        for name, to_py, through in [
-            ("Type", "TypeToPy", "TypeFromPy"),
-            ("Object", "ObjectToPy", "ObjectFromPy"),
-        ]:
-            words = [0, self.method("Test", to_py).address, self.method("Test", through).address]
-            stubs.capsule(f"kelmor.typemodel._C_APIT_{name}", self.table(*words))
-        self.method("Test", "Factory").calls(self.make_result)
-        stubs.capsule(family.FACTORY, self.table(self.method("Test", "Factory").address))
-        words = [self.method("Test", name).address for name in ("GfxFromPy", "GfxToPy")]
-        self.method("Test", "GfxToPy").calls(
-            lambda f: self.give(f, ("Gfx", POINTER.from_address(f.integers[0]).value))
-        )
-        stubs.capsule("kelmor.gfxtypes._C_APITV1_Color", self.table(*words, 0))
-        self.psd = stubs.psd()
-        self.interop, self.generic = self.psd._wrpgen._interop, self.psd._wrpgen._generic
-        self.calls_of_start = {
-            entry["method"]: entry["arguments"][:1]
-            for entry in self.script.journal
-            if entry["call"] == "delegate"
-        }
-        self.requests_of_start = self.script.requests
-        self.clear()
-
-    def table(self, *words):
-        memory = (POINTER * len(words))(*words)
-        self.kept.append(memory)
-        return ctypes.addressof(memory)
-
-    def method(self, kind, name):
-        return self.script.method(CLASSES.get(kind, kind), name, peer.ASSEMBLY)
-
-    def wrap(self, kind, handle):
-        w = kind.__new__(kind)
-        POINTER.from_address(id(w) + 16).value = handle
-        return w
-
-    def callback(self, tag, half):
-        """The element reader of a tag: half 0 for lists, 1 for sequences."""
-        (tables,) = self.calls_of_start["SetPyGenericCallbacks"]
-        table = POINTER.from_address(tables + 8 * (GENERIC_ORDER.index(tag) + 49 * half)).value
-        return POINTER.from_address(table).value if table else None
-
-    def requests_for(self, kind):
-        return [method for name, method in self.script.requests if name == kind]
-
-    def types_below(self, module=None):
-        """All types of the tree: module, name, type."""
-        module = module or self.psd
-        found = []
-        for name, value in vars(module).items():
-            if isinstance(value, type) and value is not type:
-                found.append((module.__name__, name, value))
-            elif isinstance(value, type(ast)) and value.__name__.startswith("kelmor.psd"):
-                found.extend(self.types_below(value))
-        return found
