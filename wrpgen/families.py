@@ -11,7 +11,8 @@ from collections import defaultdict
 from dataclasses import dataclass, field
 
 from . import names
-from .forms import BASIC, Form, Forms, cs_number, cs_type, number_type
+from .basic_forms import Form
+from .forms import Forms, cs_number, cs_type, number_type
 from .model import Extension, Member, Parameter, Type
 
 VOID = "System.Void"
@@ -575,4 +576,4 @@ class Composer:
             seen[name] = item
 
 
-__all__ = ["Composer", "Family", "Method", "Property", "StaticField", "Call", "Attempt", "BASIC"]
+__all__ = ["Composer", "Family", "Method", "Property", "StaticField", "Call", "Attempt"]

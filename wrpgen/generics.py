@@ -5,7 +5,8 @@ from __future__ import annotations
 from dataclasses import dataclass
 from types import SimpleNamespace
 
-from .forms import BASIC, Form, Forms, cs_type
+from .basic_forms import BASIC, Form
+from .forms import Forms, cs_type
 from .model import Extension, GenericTag
 from .native import environment, wrapped
 

@@ -5,7 +5,8 @@ from __future__ import annotations
 from types import SimpleNamespace
 
 from .families import Argument, Call, Family, Property, StaticField
-from .forms import Form, cs_type
+from .basic_forms import Form
+from .forms import cs_type
 from .model import Extension
 from .native import _entry_order, environment
 

@@ -9,7 +9,7 @@ import jinja2
 
 from . import names
 from .families import Argument, Call, Family, Method, Property, StaticField
-from .forms import Form
+from .basic_forms import Form
 
 _TEMPLATES = Path(__file__).with_name("templates")
 LINE = 100
