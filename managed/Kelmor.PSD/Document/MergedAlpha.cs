@@ -52,10 +52,23 @@ internal static class MergedAlpha
     {
         foreach (ref var pixel in pixels)
         {
-            pixel = ColorMath.OnWhite(pixel);
+            var alpha = (int)((uint)pixel >> 24);
+            if (alpha < 255)
+            {
+                pixel =
+                    alpha << 24
+                    | On(pixel >> 16, alpha) << 16
+                    | On(pixel >> 8, alpha) << 8
+                    | On(pixel, alpha);
+            }
         }
     }
 
+    // Cut off, not rounded: other readers of these documents do so, and so get the same picture.
     private static int Off(int channel, int alpha) =>
-        Math.Clamp((((channel & 255) - (255 - alpha)) * 255 + alpha / 2) / alpha, 0, 255);
+        Math.Max(0, ((channel & 255) + alpha - 255) * 255 / alpha);
+
+    // Rounded up, so that colours whose matte was taken off become the stored ones again.
+    private static int On(int channel, int alpha) =>
+        255 - alpha + ((channel & 255) * alpha + 254) / 255;
 }

@@ -5,6 +5,14 @@ namespace Kelmor.PSD;
 
 internal static class FileWriting
 {
+    private static readonly FileStreamOptions NewFile = new()
+    {
+        Mode = FileMode.CreateNew,
+        Access = FileAccess.Write,
+        Share = FileShare.None,
+        BufferSize = 1 << 16,
+    };
+
     /// <summary>
     /// Runs a writer over a new file and puts that in place of the old one once it is complete.
     /// </summary>
@@ -26,20 +34,13 @@ internal static class FileWriting
         Replace(target, write);
     }
 
+    // The neighbour has a name of its own, so that the longest names can be written too.
     private static void Replace(string target, Action<Stream> write)
     {
-        var neighbour = $"{target}.{Environment.ProcessId}-{Guid.NewGuid():N}.part";
+        var neighbour = Path.Join(Path.GetDirectoryName(target), $".{Guid.NewGuid():N}.part");
         try
         {
-            using (
-                var file = new FileStream(
-                    neighbour,
-                    FileMode.CreateNew,
-                    FileAccess.Write,
-                    FileShare.None,
-                    1 << 16
-                )
-            )
+            using (var file = new FileStream(neighbour, NewFile))
             {
                 write(file);
             }
@@ -49,11 +50,40 @@ internal static class FileWriting
             }
             File.Move(neighbour, target, overwrite: true);
         }
-        catch
+        catch (Exception failure)
         {
-            File.Delete(neighbour);
+            Remove(neighbour);
+            if (Renamed(failure, neighbour, target) is { } renamed)
+            {
+                throw renamed;
+            }
             throw;
         }
+    }
+
+    private static void Remove(string neighbour)
+    {
+        if (File.Exists(neighbour))
+        {
+            File.Delete(neighbour);
+        }
+    }
+
+    // Nobody who asked for a file knows its neighbour: the words name the file instead.
+    private static Exception? Renamed(Exception failure, string neighbour, string target)
+    {
+        if (!failure.Message.Contains(neighbour, StringComparison.Ordinal))
+        {
+            return null;
+        }
+        var words = failure.Message.Replace(neighbour, target, StringComparison.Ordinal);
+        return failure switch
+        {
+            DirectoryNotFoundException => new DirectoryNotFoundException(words, failure),
+            UnauthorizedAccessException => new UnauthorizedAccessException(words, failure),
+            IOException => new IOException(words, failure),
+            _ => null,
+        };
     }
 
     // The name may be a link to the document proper: that one is replaced, not the link.
