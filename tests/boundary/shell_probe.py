@@ -17,6 +17,7 @@ OBJECT = ctypes.py_object
 POINTER = ctypes.c_void_p
 TEXT = ctypes.c_char_p
 INT = ctypes.c_int
+SSIZE = ctypes.c_ssize_t
 
 
 def native(name, result, *arguments):
@@ -49,3 +50,12 @@ def version(*numbers, view=None):
 
 def reference(*numbers):
     return (ctypes.c_int * 4)(*numbers)
+
+
+def raised(function, *arguments):
+    """The exception that a function which gives nothing has raised."""
+    try:
+        function(*arguments)
+    except Exception as error:
+        return error
+    raise AssertionError("nothing was raised")
