@@ -35,6 +35,12 @@ namespace Kelmor.PSD.FileFormats.Psd.Layers
     {
         internal ArtboardLayer(LayerRecord record, PsdHeader header)
             : base(record, header) { }
+
+        /// <summary>Width of the page in pixels.</summary>
+        public override int Width => ArtboardPage.Of(Record).Width;
+
+        /// <summary>Height of the page in pixels.</summary>
+        public override int Height => ArtboardPage.Of(Record).Height;
     }
 }
 
