@@ -152,6 +152,11 @@ PyObject *wrapClrStruct_get_type(PyObject *self, PyObject *) {
     return get_type<StructFlavour>(self);
 }
 
+int refuse_deletion(const char *property) {
+    PyErr_Format(PyExc_AttributeError, "can't delete attribute '%s'", property);
+    return -1;
+}
+
 int wrapClrObject_tp_init_fault(PyObject *, PyObject *, PyObject *) {
     PyErr_SetString(PyExc_TypeError, "type has no available constructor");
     return -1;

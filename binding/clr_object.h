@@ -55,6 +55,9 @@ Py_hash_t wrapClrStruct_hash(PyObject *self);
 PyObject *wrapClrStruct_tp_richcompare(PyObject *self, PyObject *other, int operation);
 PyObject *wrapClrStruct_get_type(PyObject *self, PyObject *);
 
+// What a setter does with the null by which Python asks to delete: -1 with AttributeError.
+int refuse_deletion(const char *property);
+
 // tp_init of interfaces, abstract and static classes.
 int wrapClrObject_tp_init_fault(PyObject *self, PyObject *args, PyObject *kwds);
 

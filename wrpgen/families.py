@@ -177,6 +177,17 @@ class Family:
         return f"{self.cs_namespace}.{self.cs_class}"
 
     @property
+    def entry_class_literal(self) -> str:
+        """The entry class in C++; a long name goes on in a second literal."""
+        if len(self.entry_class) <= 80:
+            return names.literal(self.entry_class)
+        return (
+            names.literal(self.cs_namespace + ".")
+            + "\n             "
+            + names.literal(self.cs_class)
+        )
+
+    @property
     def cs_type(self) -> str:
         return cs_type(self.type.full_name)
 

@@ -10,9 +10,9 @@ import jinja2
 from . import names
 from .families import Argument, Call, Family, Method, Property, StaticField
 from .basic_forms import Form
+from .layout import LINE, wrapped
 
 _TEMPLATES = Path(__file__).with_name("templates")
-LINE = 100
 
 
 @functools.cache
@@ -29,45 +29,6 @@ def environment() -> jinja2.Environment:
     made.filters["wrapped"] = wrapped
     made.filters["literal"] = names.literal
     return made
-
-
-def wrapped(text: str) -> str:
-    """Breaks lines at commas and before operands, so that none passes 100 columns."""
-    return "\n".join(
-        part
-        for line in text.split("\n")
-        for part in ([line] if line.lstrip().startswith("//") else _wrap(line))
-    )
-
-
-def _wrap(line: str) -> list[str]:
-    """Cuts at the outermost comma that fits, and goes on under the bracket that is open there."""
-    if len(line) <= LINE:
-        return [line]
-    indent = len(line) - len(line.lstrip())
-    open_brackets: list[int] = []
-    best: tuple[int, int] | None = None  # depth, place
-    column = 0
-    for place, letter in enumerate(line[:LINE]):
-        if letter in "({":
-            open_brackets.append(place + 1)
-        elif letter in ")}" and open_brackets:
-            open_brackets.pop()
-        after = line[place : place + 2] == ", " or line[place - 1 : place + 2] == " = "
-        if after and place > indent and (best is None or len(open_brackets) <= best[0]):
-            best = (len(open_brackets), place + 1)
-            column = open_brackets[-1] if open_brackets and letter == "," else indent + 4
-    if best is None:
-        bracket = line.find("(", indent, LINE)
-        if bracket < 0:
-            # One long word: further to the left it fits.
-            word = line.strip()
-            return [" " * max(0, min(indent, LINE - len(word))) + word]
-        best, column = (0, bracket + 1), indent + 4
-    rest = line[best[1] :].lstrip()
-    if column > 60 or column + len(rest.split(", ")[0]) > LINE:
-        column = indent + 4
-    return [line[: best[1]].rstrip(), *_wrap(" " * column + rest)]
 
 
 def _fill(pattern: str, value: str) -> str:

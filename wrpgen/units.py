@@ -129,7 +129,8 @@ def _property(family: Family, item: Property) -> SimpleNamespace:
     getter = result_lines(family.host, f"get_{entry}", ["handle_of(self)"], item.form, [])
     setter = []
     if item.set:
-        setter = _conversion(item.form, "-1")
+        setter = [f"if (value == nullptr) return refuse_deletion({names.literal(item.py_name)});"]
+        setter += _conversion(item.form, "-1")
         passed = item.form.passed.replace("{v}", "converted")
         setter += [
             f"{family.host}::get_instance().set_{entry}(handle_of(self), {passed});",

@@ -392,3 +392,14 @@ def test_an_invalid_class_matters_only_where_it_is_needed(s):
     wanted = missing_text("Color", "btp_TypeOf")
     assert text_of(TypeError, lambda: wrapper.background_color) == wanted
     assert s.calls("FreeInstance", 1) == [[0x77]]
+
+
+@psd_scene("family-class.getset.writable")
+def test_a_property_cannot_be_deleted(s):
+    h, c = s.make("Xmp.XmpHeaderPi"), s.wrap("Color", 0x20)
+    s.clear()
+    assert text_of(AttributeError, delattr, h, "guid") == "can't delete attribute 'guid'"
+    r = s.wrap("Rectangle", 0x30)
+    assert text_of(AttributeError, delattr, r, "x") == "can't delete attribute 'x'"
+    raised(AttributeError, delattr, c, "a")
+    assert s.calls() == []
