@@ -8,11 +8,12 @@ import sys
 
 import pytest
 from family import WORDS, extension_path
-from peer import STAGE
+from peer import STAGE, Script
 from shell_identifiers import IDENTIFIERS
 
 behaviour = pytest.mark.behaviour
 PSD = extension_path()
+LEAVES = ["psd", "gfxtypes", "typemodel", "shellbase", "shellcommon"]
 
 
 def symbols(*options, path=PSD):
@@ -65,20 +66,27 @@ def test_the_factory_is_exported_data(defined):
     assert re.search(r"^[0-9a-f]{16} 0{15}8 [BD] PyShCastOpResult_New$", rows, re.MULTILINE)
 
 
-def test_nothing_else_is_exported(defined):
-    assert set(defined) == {
+@pytest.mark.parametrize("leaf", LEAVES)
+def test_nothing_else_is_exported(leaf):
+    assert set(dict(symbols("-D", "--defined-only", path=extension_path(leaf)))) == {
         *IDENTIFIERS,
-        "PyInit_psd",
+        f"PyInit_{leaf}",
         "PyShCastOpResult_New",
         "KelmorDomainName",
         "HostNotReady",
     }
 
 
-def test_no_symbol_is_unique_in_the_process():
-    for leaf in ("psd", "gfxtypes", "typemodel", "shellbase", "shellcommon"):
-        kinds = {kind for _, kind in symbols("-D", path=extension_path(leaf))}
-        assert "u" not in kinds, leaf
+@pytest.mark.parametrize("leaf", LEAVES)
+def test_no_symbol_is_unique_in_the_process(leaf):
+    assert "u" not in {kind for _, kind in symbols("-D", path=extension_path(leaf))}
+
+
+@pytest.mark.parametrize("leaf", LEAVES)
+def test_no_library_function_is_exported_weakly(leaf):
+    # Such a function may be bound from elsewhere, and then its library cannot be unloaded.
+    found = symbols("-D", "--defined-only", path=extension_path(leaf))
+    assert [name for name, kind in found if kind in "WVwv"] == []
 
 
 @behaviour("shell-entry.locks.no-import")
@@ -181,6 +189,9 @@ def test_the_identifiers_can_be_read_from_outside(in_process):
 
 def test_each_module_of_the_family_has_its_own_data(in_process):
     def program():
+        from shell_identifiers import IDENTIFIERS
+
+        Script()
         sys.setdlopenflags(os.RTLD_NOW | os.RTLD_GLOBAL)
         sys.path.insert(0, str(STAGE))
         leaves = ["shellbase", "typemodel", "gfxtypes", "shellcommon", "psd"]
@@ -188,10 +199,20 @@ def test_each_module_of_the_family_has_its_own_data(in_process):
         for leaf in leaves:
             module = __import__(f"kelmor.{leaf}", fromlist=["VERSION"])
             libraries.append(ctypes.PyDLL(module.__file__))
-        names = ["PyWrpIdStr_Empty", "PyShCastOpResult_New", "KelmorDomainName", "HostNotReady"]
+        names = [*IDENTIFIERS, "PyShCastOpResult_New", "KelmorDomainName", "HostNotReady"]
         return {
             name: len({ctypes.addressof(ctypes.c_void_p.in_dll(lib, name)) for lib in libraries})
             for name in names
         }
 
-    assert set(in_process(program).value.values()) == {5}
+    outcome = in_process(program)
+    assert len(outcome.value) == 57
+    assert set(outcome.value.values()) == {5}
+    # So has each its own hosts: all three have asked for a start, and have bound services.
+    calls = outcome.calls
+    assert calls.count("coreclr_wrap_initialize") == calls.count("coreclr_wrap_shutdown") == 1
+    assert calls.count("coreclr_wrap_is_domain_initialized") == 2
+    bound = [
+        e for e in outcome.journal if e.get("method") == "GetTypeName" and "Exchange" in e["type"]
+    ]
+    assert len({entry["assembly"] for entry in bound}) == 3
