@@ -121,6 +121,12 @@ TEST_F(Library, TheRightToFreeStaysWithThePlace) {
     }
     EXPECT_TRUE(is_in_process(two));
     unload(two);
+    {
+        DynamicLibrary source = DynamicLibrary::load(one, "");
+        source.set_can_free(false);
+        const DynamicLibrary made = std::move(source);
+    }
+    EXPECT_FALSE(is_in_process(one));
 }
 
 TEST_F(Library, IsLoadedWithGlobalSymbols) {
@@ -130,6 +136,14 @@ TEST_F(Library, IsLoadedWithGlobalSymbols) {
     ASSERT_NE(handle, nullptr);
     EXPECT_TRUE(is_global());
     pal::free_library(handle);
+}
+
+TEST_F(Library, IsResolvedAtOnce) {
+    RecordProperty("behaviour", "host-platform.load-library.flags");
+    EXPECT_EQ(pal::load_library(KELMOR_UNRESOLVED_LIBRARY), nullptr);
+    void *lazy = dlopen(KELMOR_UNRESOLVED_LIBRARY, RTLD_LAZY);
+    ASSERT_NE(lazy, nullptr) << dlerror();
+    dlclose(lazy);
 }
 
 TEST_F(Library, AFailedLoadGivesNull) {
