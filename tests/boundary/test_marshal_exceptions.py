@@ -439,7 +439,11 @@ def test_only_an_empty_traceback_text_is_shown(no_traceback_module, reports):
     error = ValueError("boom")
     assert described(ValueError, error, Text("")) == (0, "ValueError: boom\n")
     assert described(ValueError, error, Text("trace")) == (0, "ValueError: boom")
+    assert [type(raised) for _, raised in reports] == [ModuleNotFoundError] * 2
+    reports.clear()
+    # That a traceback has no text is nothing to report.
     assert described(ValueError, error, Text(None))[0] == 0
+    assert [type(raised) for _, raised in reports] == [ModuleNotFoundError]
     assert described(Mute, Mute(), Text(""))[0] == 0
 
 
