@@ -100,9 +100,15 @@ public partial class PsdImage
     protected override void SaveData(Stream stream) =>
         ImageSaving.Save(this, stream, GetOriginalOptions(), Rectangle.Empty);
 
-    internal override void ReadPixels(Rectangle area, Span<int> pixels)
+    private protected override void PreparePixels()
     {
         Rendering.MergedPicture.Refresh(this);
+        File.Merged.Decode();
+    }
+
+    internal override void ReadPixels(Rectangle area, Span<int> pixels)
+    {
+        PreparePixels();
         var planes = File.Merged.Decode();
         var alpha = MergedAlphaIndex;
         var colors = planes[..File.Header.ColorChannels];

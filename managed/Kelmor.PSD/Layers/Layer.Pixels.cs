@@ -14,27 +14,35 @@ public partial class Layer
     internal byte[]? DecodeChannel(short id) =>
         FindChannel(id)?.Data.Decode(Record.LayoutOf(id, Header.Depth));
 
+    private protected override void PreparePixels() => DecodePlanes();
+
     internal override void ReadPixels(Rectangle area, Span<int> pixels)
+    {
+        if (DecodePlanes() is { } planes)
+        {
+            PixelReader.Read(planes, area, pixels);
+        }
+        else
+        {
+            pixels.Clear();
+        }
+    }
+
+    // Null for a layer that shows no pixels of its own.
+    private PixelPlanes? DecodePlanes()
     {
         var layout = new PlaneLayout(Record.Width, Record.Height, Header.Depth);
         if (layout.Bytes == 0 || Record.Channels.Count == 0 || this is LayerGroup)
         {
-            pixels.Clear();
-            return;
+            return null;
         }
         var colors = new byte[]?[Header.ColorChannels];
         for (short id = 0; id < colors.Length; id++)
         {
             colors[id] = DecodeChannel(id);
         }
-        var planes = new PixelPlanes(
-            Header.Mode,
-            layout,
-            colors,
-            DecodeChannel(ChannelIds.Transparency),
-            null
-        );
-        PixelReader.Read(planes, area, pixels);
+        var alpha = DecodeChannel(ChannelIds.Transparency);
+        return new PixelPlanes(Header.Mode, layout, colors, alpha, null);
     }
 
     internal override void WritePixels(Rectangle area, ReadOnlySpan<int> pixels)

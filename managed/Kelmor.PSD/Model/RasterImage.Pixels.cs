@@ -7,6 +7,11 @@ public abstract partial class RasterImage
 
     private protected virtual float ImageOpacityCore => 1;
 
+    /// <summary>
+    /// Decodes what reading needs: damage is found before room for a large result is set aside.
+    /// </summary>
+    private protected virtual void PreparePixels() { }
+
     /// <summary>Fills `pixels`, row by row, from a rectangle that lies inside.</summary>
     internal abstract void ReadPixels(Rectangle area, Span<int> pixels);
 

@@ -215,6 +215,7 @@ public abstract partial class RasterImage : Image
     {
         VerifyNotDisposed();
         PixelAreas.VerifyInside(rectangle, Width, Height);
+        PreparePixels();
         var pixels = new int[PixelAreas.Count(rectangle)];
         ReadPixels(rectangle, pixels);
         if (PremultiplyComponents)
