@@ -1,9 +1,10 @@
 // Imports siblings by the version rule, and types by name.
 #include "shell/import.h"
 
-#include "shell/add_object.h"
 #include "shell/identifiers.h"
 #include "shell/import_errors.h"
+#include "shell/module_tree.h"
+#include "shell/ref.h"
 #include "shell/version.h"
 
 #include <cstdarg>
@@ -126,15 +127,9 @@ PyObject *PyShImport_ImportTypeExV(const char *module, int count, ...) {
 }
 
 int PyShModule_AddType(PyObject *module, PyTypeObject *type, const char *name) {
-    if (PyType_Ready(type) < 0) {
-        PyShlErr_TypeInitializationInternalError(-1015, type->tp_name);
-        return -1;
-    }
+    if (fn_ready_type(type) < 0) return -1;
     const char *module_name = PyModule_GetName(module);
-    if (!module_name ||
-        add_object(module, name, Ref::borrow(reinterpret_cast<PyObject *>(type))) < 0) {
-        PyShlErr_TypeInitializationInternalError(-1014, module_name ? module_name : "?", name);
-        return -1;
-    }
-    return 0;
+    if (module_name) return fn_add_type(module, module_name, type, name);
+    PyShlErr_TypeInitializationInternalError(-1014, "?", name);
+    return -1;
 }

@@ -73,7 +73,5 @@ PyObject *module_entry(const ModuleDescription &module) {
     Ref root = Ref::steal(module.build_tree());
     if (!root) return fail(module, -1006);
     code = complete(module, root.get());
-    if (!code) return root.release();
-    fail(module, code);
-    return nullptr;
+    return code ? fail(module, code) : root.release();
 }
