@@ -48,6 +48,17 @@ def test_the_pending_exception_becomes_cause_and_context():
     assert error.__cause__ is cause and error.__context__ is cause
 
 
+@behaviour("shell-versions.chain.links")
+def test_an_exception_that_is_being_handled_stays_out_of_the_chain():
+    cause = KeyError("first")
+    try:
+        raise LookupError("handled meanwhile")
+    except LookupError:
+        error = after(cause, "PyShlErr_ChainFormat", ValueError, b"text")
+    assert error.__cause__ is cause and error.__context__ is cause
+    assert cause.__context__ is None
+
+
 @behaviour("shell-versions.chain.traceback")
 def test_the_traceback_of_the_cause_is_kept():
     cause = thrown(KeyError("first"))
@@ -113,6 +124,8 @@ def test_without_a_pending_exception_the_text_stands_alone():
     chained = after(cause, "PyShlErr_ChainOrFormat", ValueError, b"text %i", 5)
     assert str(chained) == "text 5"
     assert chained.__cause__ is cause and chained.__context__ is cause
+    interrupt = KeyboardInterrupt()
+    assert after(interrupt, "PyShlErr_ChainOrFormat", ValueError, b"text").__cause__ is interrupt
 
 
 WORDED = [

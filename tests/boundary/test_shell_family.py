@@ -101,3 +101,36 @@ def test_a_module_that_fails_leaves_the_runtime_to_the_others(in_process, leaf):
     assert version == "24.11.0.0"
     assert outcome.calls.count("coreclr_wrap_initialize") == 1
     assert outcome.calls.count("coreclr_wrap_shutdown") == 1
+
+
+@pytest.mark.parametrize(
+    ("leaf", "capsule"), [("shellbase", "_C_APIF"), ("typemodel", "_C_APIT_Type")]
+)
+def test_a_capsule_that_cannot_be_offered_ends_the_import(in_process, leaf, capsule):
+    def program(leaf, capsule):
+        import importlib
+        import sys
+
+        from family import chain, interposed
+
+        sys.path.insert(0, str(STAGE))  # noqa: F821
+        between = interposed(Script(), leaf)  # noqa: F821
+        between.fail("PyModule_AddObject", capsule)
+        try:
+            importlib.import_module(f"kelmor.{leaf}")
+        except ImportError as error:
+            shown = chain(error)
+        between.relent()
+        module = importlib.import_module(f"kelmor.{leaf}")
+        return [entry[:3] for entry in shown], type(getattr(module, capsule)).__name__
+
+    shown, kind = in_process(program, leaf, capsule).value
+    assert shown == [
+        [
+            "ImportError",
+            f"One or more errors occurred while loading the module 'kelmor.{leaf}' (-1006)",
+            True,
+        ],
+        ["RuntimeError", "refused by the test", True],
+    ]
+    assert kind == "PyCapsule"

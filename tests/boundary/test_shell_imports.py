@@ -39,6 +39,20 @@ def test_an_attribute_of_any_kind_is_imported(sibling, value):
     assert sys.getrefcount(value) == before + 1
 
 
+@behaviour("shell-versions.import-type.found")
+def test_a_module_that_is_still_being_filled_is_asked_once_more(sibling):
+    def not_at_first(name):
+        if not asked:
+            asked.append(name)
+            raise AttributeError(name)
+        return thing
+
+    asked, thing = [], object()
+    sibling.__getattr__ = not_at_first
+    assert import_type(b"sibling", "thing") is thing
+    assert asked == ["thing"]
+
+
 ALL_FORMS = [
     pytest.param(import_type, id="any"),
     pytest.param(import_type_ex, id="type"),
