@@ -161,7 +161,7 @@ def test_a_nullable_tells_whether_it_has_a_value(s):
 
     def look(frame):
         has_value, _, target = struct.unpack("<i4xQQ", bytes_at(frame.integers[0], 24))
-        seen.append((has_value, low(*struct.unpack("<Q", bytes_at(target, 8)), 4, True)))
+        seen.append((has_value, *struct.unpack("<i", bytes_at(target, 4))))
         frame.result = 1
 
     s.on("Others", "call_000_HasValue", look)
