@@ -48,6 +48,25 @@ def test_the_pieces_of_a_family_have_their_symbols(family):
         assert symbol in text
 
 
+@pytest.mark.behaviour("binding-casts.names.symbols")
+def test_each_built_in_operation_is_a_function(family):
+    text = family("Kelmor.PSD.Xmp.XmpHeaderPi")
+    for name in ("type_of", "cast_to", "cast_from", "reinterpret_obj", "cast_as", "is_assignable"):
+        symbol = f"wrpPy_blts_D91BAC5C_XmpHeaderPi_000__{name}"
+        assert text.count(f"static PyObject *{symbol}(") == 1
+        assert text.count(f'{{"_{name}", {symbol}, ') == 1
+
+
+@pytest.mark.behaviour("family-statics.write.setter-symbol")
+def test_a_static_setter_has_its_symbol(family):
+    text = family("Kelmor.PSD.Cache")
+    (tag,) = set(re.findall(r"class PyHost_cs_([0-9A-F]{8})_Cache ", text))
+    symbol = f"wrpPy_spvg_{tag}_Cache_000_set_cache_folder"
+    assert text.count(f"static PyObject *{symbol}(PyObject *, PyObject *value)") == 1
+    row = f'{{"set_cache_folder", {symbol}, METH_O | METH_STATIC, nullptr}}'
+    assert row in " ".join(text.split())
+
+
 @pytest.mark.behaviour("family-class.symbols.kinds")
 def test_every_generated_symbol_is_of_a_known_kind(native):
     form = re.compile(
