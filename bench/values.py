@@ -1,7 +1,7 @@
 """What each value form costs to cross, beside a hand-written C extension and plain Python.
 
-Run it as `build/python bench/values.py`; it builds the extension into a temporary folder. Every
-figure is nanoseconds a call, the smallest of several rounds; all columns come from one run.
+Run it as `build/release/bin/python bench/values.py [words of rows]`; it builds the extension into a
+temporary folder. A figure is nanoseconds a call, the smallest of several rounds, all of one run.
 """
 
 import datetime as dt
@@ -13,9 +13,10 @@ import sysconfig
 import tempfile
 import timeit
 
-from kelmor.harness import Blocks, Decimals, Failures, Scalars, Texts, Times, Variants
+from kelmor.harness import Failures, Kept
 
-ROUNDS = 7
+ROUNDS = 15
+SECONDS = 0.01  # of a round
 SOURCE = pathlib.Path(__file__).with_name("raw_values.c")
 
 
@@ -33,87 +34,111 @@ def build_raw(folder):
     return raw_values
 
 
-def caught(function, *arguments):
-    """A call that raises and whose exception is caught."""
+class Plain:
+    """The same in Python: a function that keeps the value or a copy, and one that gives it."""
+
+    def take(self, value):
+        self.value = value
+
+    def take_bytes(self, value):
+        self.value = bytearray(value)
+
+    def give(self):
+        return self.value
+
+    def give_bytes(self):
+        return bytearray(self.value)
+
+    def nothing(self):
+        pass
+
+    def throw(self, kind, message):
+        raise RuntimeError(f"Proxy error({kind}): {message}")
+
+
+def forms(raw):
+    """Name, value, and (take, give) of the three."""
+    latin, wide = "abcdefghi\xe9", "漢字かなカナ한글ЖЯ"
+    block = bytes(range(256)) * 256
+    date = dt.datetime(2024, 2, 29, 12, 30, 15, 123456)
+    plain = Plain()
+    same = plain.take, plain.give
+    text = (Kept.take_text, Kept.give_text), (raw.take_text, raw.give_text), same
+    yield "int", 123456, (Kept.take_int32, Kept.give_int32), (raw.take_int, raw.give_int), same
+    yield "float", 1.25, (Kept.take_double, Kept.give_double), (
+        raw.take_float,
+        raw.give_float,
+    ), same
+    yield "bool", True, (Kept.take_bool, Kept.give_bool), (raw.take_bool, raw.give_bool), same
+    yield "str, 10 characters, Latin-1", latin, *text
+    yield "str, 10 characters, wide", wide, *text
+    yield "str, 10,000 characters, Latin-1", latin * 1000, *text
+    yield "str, 10,000 characters, wide", wide * 1000, *text
+    yield (
+        "bytes, 64 KiB",
+        block,
+        (Kept.take_block, Kept.give_block),
+        (raw.take_bytes, raw.give_bytes),
+        (plain.take_bytes, plain.give_bytes),
+    )
+    yield "date", date, (Kept.take_date, Kept.give_date), (raw.take_date, raw.give_date), same
+    yield (
+        "decimal",
+        decimal.Decimal("12345678901234.5678"),
+        (Kept.take_decimal, Kept.give_decimal),
+        (raw.take_decimal, raw.give_decimal),
+        same,
+    )
+    # The managed side asks for the number by a callback, and makes the result by another.
+    yield "int, by callback", 123456, (Kept.take_any, Kept.give_any), (
+        raw.take_int,
+        raw.give_int,
+    ), same
+
+
+def caught(function):
+    """Calls what raises, and catches it."""
 
     def call():
         try:
-            function(*arguments)
+            function("io", "the text")
         except RuntimeError:
             pass
 
     return call
 
 
-def raise_plainly(kind, message):
-    raise RuntimeError(f"Proxy error({kind}): {message}")
-
-
-def rows(raw):
-    def same(value):
-        return value
-
-    latin, wide = "abcdefghi\xe9", "漢字かなカナ한글ЖЯ"
-    block = bytes(range(256)) * 256
-    date = dt.datetime(2024, 2, 29, 12, 30, 15, 123456)
-    number = decimal.Decimal("12345678901234.5678")
-    yield "int", Scalars.echo_int32, raw.echo_int, same, 123456
-    yield "float", Scalars.echo_double, raw.echo_float, same, 1.25
-    yield "bool", Scalars.echo_bool, raw.echo_bool, same, True
-    yield "str, 10 characters, Latin-1", Texts.echo, raw.echo_str, same, latin
-    yield "str, 10 characters, wide", Texts.echo, raw.echo_str, same, wide
-    yield "str, 10,000 characters, Latin-1", Texts.echo, raw.echo_str, same, latin * 1000
-    yield "str, 10,000 characters, wide", Texts.echo, raw.echo_str, same, wide * 1000
-    yield "bytes, 64 KiB", Blocks.echo, raw.echo_bytes, bytearray, block
-    yield "date", Times.echo_date, raw.echo_date, lambda d: d.replace(), date
-    yield (
-        "decimal",
-        Decimals.echo,
-        raw.echo_decimal,
-        lambda d: decimal.Decimal(d.as_tuple()),
-        number,
-    )
-    yield "int read by a callback", Variants.echo, raw.echo_int, same, 123456
-
-
-def one_way_rows(raw):
-    """In alone: what a result of one small form costs is taken off by comparing with the above."""
-    block = bytes(range(256)) * 256
-    yield "bytes, 64 KiB, in", Blocks.length, len, block
-    yield "str, 10,000 characters, in", Texts.length, len, "abcdefghi\xe9" * 1000
-    yield "date, in", Times.date_ticks, lambda d: d.toordinal(), dt.datetime(2024, 2, 29, 12)
-    yield "bytes, 64 KiB, out", Blocks.make, bytearray, 65536
-
-
-def cost(call):
-    timer = timeit.Timer(call)
+def cost(statement, **names):
+    timer = timeit.Timer(statement, globals=names)
     loops, seconds = timer.autorange()
-    while seconds < 0.02:
-        loops *= 4
-        seconds = timer.timeit(loops)
-    return min(timer.repeat(ROUNDS, max(loops // 10, 1))) / max(loops // 10, 1) * 1e9
+    loops = max(int(loops * SECONDS / seconds), 1)
+    return min(timer.repeat(ROUNDS, loops)) / loops * 1e9
 
 
-def line(name, *costs):
-    shown = " | ".join("" if c is None else f"{c:,.0f}" for c in costs)
-    print(f"| {name} | {shown} |", flush=True)
+def line(name, costs):
+    print(f"| {name} | " + " | ".join(f"{c:,.0f}" for c in costs) + " |", flush=True)
 
 
 def main():
+    wanted = sys.argv[1:]
     with tempfile.TemporaryDirectory() as folder:
         raw = build_raw(folder)
-        print("| form, in and out | kelmor | raw C-API | plain Python |")
-        print("|---|---|---|---|")
-        for name, ours, theirs, plain, value in rows(raw):
-            line(name, *(cost(lambda f=f: f(value)) for f in (ours, theirs, plain)))
-        line(
-            "exception raised and caught",
-            cost(caught(Failures.throw, "io", "the text")),
-            cost(caught(raw.throw_error, "io", "the text")),
-            cost(caught(raise_plainly, "io", "the text")),
-        )
-        for name, ours, plain, value in one_way_rows(raw):
-            line(name, cost(lambda: ours(value)), None, cost(lambda: plain(value)))
+        print("| form | kelmor in | out | raw C-API in | out | plain Python in | out |")
+        print("|---|---|---|---|---|---|---|")
+        for name, value, *pairs in forms(raw):
+            if wanted and not any(word in name for word in wanted):
+                continue
+            costs = []
+            for take, give in pairs:
+                costs.append(cost("f(v)", f=take, v=value))
+                costs.append(cost("f()", f=give))
+            line(name, costs)
+        print("\n| call | kelmor | raw C-API | plain Python |\n|---|---|---|---|")
+        plain = Plain()
+        three = Kept.nothing, raw.nothing, plain.nothing
+        line("nothing in, nothing out", [cost("f()", f=f) for f in three])
+        three = Failures.throw, raw.throw_error, plain.throw
+        line("exception raised and caught", [cost("f()", f=caught(f)) for f in three])
 
 
 if __name__ == "__main__":

@@ -2,23 +2,27 @@
 #include "marshal/date_api.h"
 
 #include "shell/identifiers.h"
-#include "shell/ref.h"
 
 #include <datetime.h>
 
 namespace {
 
-// What PyCapsule_Import does for a module that is there, without its import machinery: the module
-// out of `sys.modules`, the capsule out of the module. Null, with no exception set, when any of it
-// is not as it should be.
+// What PyCapsule_Import does for a module that is there, without its import machinery and without a
+// new str for each name: the module out of `sys.modules`, the capsule out of the module. Null, with
+// no exception set, when any of it is not as it should be.
 void *find_capsule() {
+    static PyObject *attribute; // interned, and never released, as all identifiers
+    if (attribute == nullptr) attribute = PyUnicode_InternFromString("datetime_CAPI");
+    PyObject *const modules = PyImport_GetModuleDict();
+    if (attribute == nullptr || !PyDict_CheckExact(modules)) return PyErr_Clear(), nullptr;
     // The module and the class in it bear one name.
-    const Ref module = Ref::steal(PyImport_GetModule(PyWrpIdTypeName_DateTime));
-    if (!module || module.get() == Py_None) return PyErr_Clear(), nullptr;
-    const Ref capsule = Ref::steal(PyObject_GetAttrString(module.get(), "datetime_CAPI"));
-    if (!capsule) return PyErr_Clear(), nullptr;
-    if (!PyCapsule_IsValid(capsule.get(), PyDateTime_CAPSULE_NAME)) return nullptr;
-    return PyCapsule_GetPointer(capsule.get(), PyDateTime_CAPSULE_NAME);
+    PyObject *const module = PyDict_GetItemWithError(modules, PyWrpIdTypeName_DateTime);
+    if (module == nullptr || !PyModule_CheckExact(module)) return PyErr_Clear(), nullptr;
+    PyObject *const capsule = PyDict_GetItemWithError(PyModule_GetDict(module), attribute);
+    if (capsule == nullptr || !PyCapsule_CheckExact(capsule)) return PyErr_Clear(), nullptr;
+    void *const api = PyCapsule_GetPointer(capsule, PyDateTime_CAPSULE_NAME);
+    if (api == nullptr) PyErr_Clear();
+    return api;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 import array
 import ctypes
 import io
+import pickle
 
 import pytest
 from marshal_probe import (
@@ -174,6 +175,20 @@ def test_a_refusing_exporter_is_told_in_our_words(read):
         assert block.state == (0, -1)
 
 
+def released_pickle_buffer():
+    buffer = pickle.PickleBuffer(b"abc")
+    buffer.release()
+    return buffer
+
+
+@behaviour("marshal-bytes.read-buffer.get-failure")
+@pytest.mark.parametrize("exporter", [released_memoryview, released_pickle_buffer])
+def test_an_exporter_that_is_no_view_is_told_the_same(exporter):
+    with BytesView() as block:
+        error = refused(UNIT, exporter(), block.builder.address)
+    assert said(error) == (BufferError, "can't get internal buffer")
+
+
 HUGE = 2147483648
 REFUSED_VIEWS = [
     pytest.param(
@@ -206,6 +221,8 @@ def test_a_refused_view_stays_held_until_the_builder_ends(read, length, stride, 
         assert block.builder.info.held == 1
         assert exporter.counts == (1, 0)
     assert exporter.counts == (1, 1)
+    with PyBytesArgBuilder() as builder:
+        assert said(refused(UNIT, exporter.object, builder.address)) == said(caught.value)
 
 
 @behaviour("marshal-bytes.read-buffer.too-long")
@@ -222,8 +239,10 @@ def test_the_longest_view_is_accepted():
 def test_a_memoryview_with_a_step_is_not_contiguous(read, step):
     with BytesView() as block:
         with pytest.raises(BufferError) as caught:
-            read(memoryview(b"abcdef")[::step], block.view, block.arg)
+            read(view := memoryview(owner := bytearray(b"abcdef"))[::step], block.view, block.arg)
         assert said(caught.value) == (BufferError, "buffer is not contiguous")
+    view.release()
+    owner.append(1)  # nothing holds a view any more
 
 
 # The managed side's own views.

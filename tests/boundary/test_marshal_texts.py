@@ -206,6 +206,9 @@ def test_a_legacy_str_that_cannot_be_made_ready_is_refused():
     with pytest.raises(TypeError, match="^unicode object is not ready$"):
         value_converter(text, ctypes.addressof(arg))
     assert arg.length == -1
+    status = native("status_and_error", OBJECT, *[POINTER] * 6)
+    words = text, ctypes.addressof(arg), None, None, None
+    assert status(address("fn_conv_py_string_to_clr_string_value"), *words)[0] == 0
 
 
 @behaviour("marshal-scalars.str.embedded-null")
