@@ -231,3 +231,42 @@ def test_a_stream_wants_contiguous_bytes(family, refused):
 
     with pytest.raises((TypeError, BufferError)):
         BytesAsStream(refused)
+
+
+def test_a_target_that_was_filled_is_let_go(stream):
+    target = bytearray(4)
+    stream.readinto(target)
+    target.append(1)
+    assert len(target) == 5
+
+
+def test_a_target_may_be_the_data_itself(family):
+    from kelmor.shellcommon import BytesAsStream
+
+    data = bytearray(range(200))
+    stream = BytesAsStream(data)
+    assert stream.readinto(memoryview(data)[1:]) == 199
+    assert data == bytes([0, *range(199)])
+
+
+def test_a_cycle_through_a_stream_is_collected(family):
+    from kelmor.shellcommon import BytesAsStream
+
+    class Data(bytearray):
+        pass
+
+    data = Data(b"abc")
+    data.stream = BytesAsStream(data)
+    seen = weakref.ref(data)
+    del data
+    gc.collect()
+    assert seen() is None
+
+
+def test_a_capsule_belongs_to_its_module_alone(family):
+    import kelmor.shellbase as module
+
+    def count(value):
+        return ctypes.c_uint32.from_address(id(value)).value
+
+    assert count(module._C_APIF) == count(module._BACKWARD_COMPATIBILITY_THRESHOLD)
