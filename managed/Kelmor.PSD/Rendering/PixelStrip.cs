@@ -62,6 +62,11 @@ internal sealed class PixelStrip(Rectangle area)
     /// layer.</param>
     public void Blend(PixelStrip layer, BlendMode mode, float[] coverage, bool clip)
     {
+        if (mode == BlendMode.Normal)
+        {
+            Cover(layer, coverage, clip);
+            return;
+        }
         var blend = BlendFunctions.Of(mode);
         for (var i = 0; i < Alpha.Length; i++)
         {
@@ -75,6 +80,26 @@ internal sealed class PixelStrip(Rectangle area)
             red[i] = Mix(red[i], layer.red[i], above, below, result, blend);
             green[i] = Mix(green[i], layer.green[i], above, below, result, blend);
             blue[i] = Mix(blue[i], layer.blue[i], above, below, result, blend);
+            Alpha[i] = clip ? Alpha[i] : result;
+        }
+    }
+
+    // As in Blend with the function of Normal, which needs no call and no look at what it hides.
+    private void Cover(PixelStrip layer, float[] coverage, bool clip)
+    {
+        for (var i = 0; i < Alpha.Length; i++)
+        {
+            var above = layer.Alpha[i] * coverage[i];
+            var below = (1 - above) * (clip ? 1 : Alpha[i]);
+            var result = above + below;
+            if (above <= 0)
+            {
+                continue;
+            }
+            var (share, rest) = (above / result, below / result);
+            red[i] = red[i] * rest + layer.red[i] * share;
+            green[i] = green[i] * rest + layer.green[i] * share;
+            blue[i] = blue[i] * rest + layer.blue[i] * share;
             Alpha[i] = clip ? Alpha[i] : result;
         }
     }

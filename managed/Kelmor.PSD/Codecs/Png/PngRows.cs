@@ -1,4 +1,6 @@
 // Lays pixels out as the samples of a PNG row.
+using System.Buffers.Binary;
+using System.Numerics;
 using System.Runtime.InteropServices;
 using Kelmor.PSD.FileFormats.Png;
 
@@ -48,9 +50,22 @@ internal sealed class PngRows(PngColorType type, int depth, int width, IColorPal
         {
             PackBits(pixels, row);
         }
+        else if (type == PngColorType.TruecolorWithAlpha)
+        {
+            PackColors(pixels, MemoryMarshal.Cast<byte, uint>(row));
+        }
         else
         {
             PackBytes(pixels, row);
+        }
+    }
+
+    // The usual kind: 0xAARRGGBB turned by a byte is the four samples with the first one highest.
+    private static void PackColors(ReadOnlySpan<int> pixels, Span<uint> row)
+    {
+        for (var i = 0; i < row.Length; i++)
+        {
+            row[i] = BinaryPrimitives.ReverseEndianness(BitOperations.RotateLeft((uint)pixels[i], 8));
         }
     }
 

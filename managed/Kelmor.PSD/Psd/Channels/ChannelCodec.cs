@@ -199,7 +199,9 @@ internal static class ChannelCodec
         var rowBytes = layout.RowBytes;
         var row = new byte[PackBits.LargestSize(rowBytes)];
         var lengths = new byte[rows * (isBig ? 4 : 2)];
-        using var packed = new MemoryStream();
+        // Room for the worst case is not touched before it is needed.
+        var most = lengths.LongLength + (long)rows * row.Length;
+        using var packed = new MemoryStream((int)Math.Min(most, Array.MaxLength));
         packed.Write(lengths);
         for (var i = 0; i < rows; i++)
         {

@@ -16,7 +16,7 @@ internal static class StreamBytes
     /// memory.</exception>
     public static byte[] ReadToEnd(Stream stream)
     {
-        var buffer = new byte[FirstGuess(stream)];
+        var buffer = GC.AllocateUninitializedArray<byte>(FirstGuess(stream));
         var filled = 0;
         while (true)
         {
@@ -27,7 +27,7 @@ internal static class StreamBytes
                 {
                     return buffer;
                 }
-                Array.Resize(ref buffer, Grown(buffer.Length));
+                buffer = Longer(buffer);
                 buffer[filled++] = (byte)next;
             }
             var count = stream.Read(buffer, filled, buffer.Length - filled);
@@ -43,23 +43,25 @@ internal static class StreamBytes
             }
             filled += count;
         }
-        Array.Resize(ref buffer, filled);
-        return buffer;
+        return buffer[..filled];
     }
 
     private static int FirstGuess(Stream stream)
     {
         var length = stream.CanSeek ? Math.Max(0, stream.Length - stream.Position) : 1 << 16;
-        return (int)Math.Min(length, Trusted);
+        // The length of a file is no claim of somebody else's code.
+        return (int)Math.Min(length, stream is FileStream ? Array.MaxLength : Trusted);
     }
 
-    private static int Grown(int length)
+    private static byte[] Longer(byte[] buffer)
     {
-        var next = Math.Min(Math.Max(length * 2L, 1 << 16), Array.MaxLength);
-        return next > length
-            ? (int)next
-            : throw new LimitMemoryException(
-                $"The document is larger than {Array.MaxLength} bytes."
-            );
+        var next = Math.Min(Math.Max(buffer.Length * 2L, 1 << 16), Array.MaxLength);
+        if (next <= buffer.Length)
+        {
+            throw new LimitMemoryException($"The document is larger than {Array.MaxLength} bytes.");
+        }
+        var longer = GC.AllocateUninitializedArray<byte>((int)next);
+        buffer.CopyTo(longer, 0);
+        return longer;
     }
 }

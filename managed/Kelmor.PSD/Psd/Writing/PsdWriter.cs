@@ -1,6 +1,7 @@
 // Writes a layered document (Photoshop File Formats Specification, Photoshop File Structure).
 using Kelmor.PSD.CoreExceptions;
 using Kelmor.PSD.CoreExceptions.ImageFormats;
+using Kelmor.PSD.FileFormats.Psd.Resources;
 using Kelmor.PSD.ImageOptions;
 
 namespace Kelmor.PSD.FileFormats.Psd.Writing;
@@ -77,7 +78,11 @@ internal static class PsdWriter
                     + $"is not converted to {options.ColorMode} with {options.ChannelBitsCount} bits."
             );
         }
-        if (!Enum.IsDefined(options.CompressionMethod))
+        // What is damaged but not changed is written as it was read.
+        if (
+            options.CompressionMethod != file.Merged.Method
+            && !Enum.IsDefined(options.CompressionMethod)
+        )
         {
             throw new PsdImageArgumentException(
                 $"The compression method {(int)options.CompressionMethod} is not known."
@@ -100,12 +105,47 @@ internal static class PsdWriter
     private static void WriteResources(SectionWriter writer, PsdFile file, PsdOptions options)
     {
         var part = new SectionWriter(writer.IsBig);
-        foreach (var resource in options.Resources ?? [.. file.Resources])
+        foreach (var resource in ResourcesOf(file, options))
         {
             ResourceWriter.Write(part, resource);
         }
         part.Block(file.ResourceRest);
         writer.ShortLength(part.Length);
         writer.Append(part);
+    }
+    // The options may bring metadata and a resolution of their own; the document keeps its own.
+    private static List<ResourceBlock> ResourcesOf(PsdFile file, PsdOptions options)
+    {
+        var resources = new List<ResourceBlock>(options.Resources ?? [.. file.Resources]);
+        if (options.XmpData is { } xmp)
+        {
+            Put(resources, new XmpResource(xmp));
+        }
+        if (options.ResolutionSettings is { } resolution)
+        {
+            Put(
+                resources,
+                new ResolutionInfoResource
+                {
+                    HDpi = resolution.HorizontalResolution,
+                    VDpi = resolution.VerticalResolution,
+                }
+            );
+        }
+        return resources;
+    }
+
+    private static void Put<T>(List<ResourceBlock> resources, T resource)
+        where T : ResourceBlock
+    {
+        var at = resources.FindIndex(candidate => candidate is T);
+        if (at < 0)
+        {
+            resources.Add(resource);
+        }
+        else
+        {
+            resources[at] = resource;
+        }
     }
 }
