@@ -27,6 +27,47 @@ _WIDTHS = {
 }
 
 
+# A type of another module, by the form that its capsule tells; converters and names are filled in.
+_SIBLING_CLASS = Form(
+    local="void *{v} = nullptr;",
+    converter="",
+    target="&{v}",
+    passed="{v}",
+    c_param="void *",
+    cs_param="nint",
+    cs_read="Handles.Optional<{t}>({v})",
+    c_result="void *",
+    by_slot=False,
+    c_to_py="",
+    cs_result="nint",
+    cs_write="Results.Object({v})",
+    py_in="",
+    py_out="",
+)
+_SIBLINGS = {
+    "class": _SIBLING_CLASS,
+    "struct": dataclasses.replace(
+        _SIBLING_CLASS,
+        local="VariantArg {v};",
+        passed="&{v}",
+        c_param="const VariantArg *",
+        cs_param="VariantArg*",
+        cs_read="Args.Struct<{t}>({v})",
+        cs_write="Results.Struct({v})",
+    ),
+    "enum": dataclasses.replace(
+        _SIBLING_CLASS,
+        local="int {v} = 0;",
+        c_param="int",
+        cs_param="int",
+        cs_read="(({t}){v})",
+        c_result="int",
+        cs_result="int",
+        cs_write="(int){v}",
+    ),
+}
+
+
 def cs_type(name: str) -> str:
     """A managed type as C# spells it."""
     if name.endswith("[]"):
@@ -165,38 +206,16 @@ class Forms:
         elif 0 in capsule.words:
             inward = f"wrpPyl_convcaps_py_to_clr_{symbol}"
         outward = f"wrpPyl_convcaps_clr_to_py_{symbol}" if 1 in capsule.words else ""
+        by_address = "&" if capsule.form == "struct" else ""
         python = f"{capsule.module}.{capsule.name}"
-        record = capsule.form == "struct"
-        number = capsule.form == "enum"
-        to_py = f"{outward}({'&' if record else ''}{{v}})" if outward else ""
-        return Form(
-            local="VariantArg {v};"
-            if record
-            else "int {v} = 0;"
-            if number
-            else "void *{v} = nullptr;",
+        form = dataclasses.replace(
+            _SIBLINGS[capsule.form],
             converter=inward,
-            target="&{v}",
-            passed="&{v}" if record else "{v}",
-            c_param="const VariantArg *" if record else "int" if number else "void *",
-            cs_param="VariantArg*" if record else "int" if number else "nint",
-            cs_read=(
-                "Args.Struct<{t}>({v})"
-                if record
-                else "(({t}){v})"
-                if number
-                else "Handles.Optional<{t}>({v})"
-            ),
-            c_result=("int" if number else "void *") if outward else "",
-            by_slot=False,
-            c_to_py=to_py,
-            cs_result="int" if number else "nint",
-            cs_write=(
-                "(int){v}" if number else "Results.Struct({v})" if record else "Results.Object({v})"
-            ),
+            c_to_py=f"{outward}({by_address}{{v}})" if outward else "",
             py_in=python,
             py_out=python,
         )
+        return form if outward else dataclasses.replace(form, c_result="")
 
     def _array(self, element: str) -> Form | None:
         inner = self.find(element)

@@ -186,24 +186,30 @@ def _static(family: Family, item: StaticField) -> list[SimpleNamespace]:
 
 def _casts(family: Family) -> list[str]:
     """The "btp_" entries, each one call of the shared bodies."""
+    return _enum_casts(family) if family.kind == "enum" else _object_casts(family)
+
+
+def _enum_casts(family: Family) -> list[str]:
+    bound, number = family.cs_type, family.cs_number
+    pair = f"<{bound}, {number}>"
+    return [
+        f"int btp_TypeOf(nint* result) => Casts.TypeOf<{bound}>(result);",
+        f"int btp_CastTo(VariantArg* value, {number}* result) => "
+        f"Casts.EnumCastTo{pair}(value, result);",
+        f"int btp_ReInterpretObj(nint value, {number}* result) => "
+        f"Casts.EnumReInterpret{pair}(value, result);",
+        f"int btp_AsUniEnum({number} value, nint* result) => "
+        f"Casts.EnumAsUniEnum{pair}(value, result);",
+        f"int btp_CastAs(nint value, {number}* result) => "
+        f"Casts.EnumCastAs{pair}(value, result);",
+        f"byte btp_IsAssignable(nint value) => Casts.IsAssignable<{bound}>(value);",
+        f"int btp_GetType({number} value, nint* result) => "
+        f"Casts.EnumGetType{pair}(value, result);",
+    ]
+
+
+def _object_casts(family: Family) -> list[str]:
     bound = family.cs_type
-    if family.kind == "enum":
-        number = family.cs_number
-        pair = f"<{bound}, {number}>"
-        return [
-            f"int btp_TypeOf(nint* result) => Casts.TypeOf<{bound}>(result);",
-            f"int btp_CastTo(VariantArg* value, {number}* result) => "
-            f"Casts.EnumCastTo{pair}(value, result);",
-            f"int btp_ReInterpretObj(nint value, {number}* result) => "
-            f"Casts.EnumReInterpret{pair}(value, result);",
-            f"int btp_AsUniEnum({number} value, nint* result) => "
-            f"Casts.EnumAsUniEnum{pair}(value, result);",
-            f"int btp_CastAs(nint value, {number}* result) => "
-            f"Casts.EnumCastAs{pair}(value, result);",
-            f"byte btp_IsAssignable(nint value) => Casts.IsAssignable<{bound}>(value);",
-            f"int btp_GetType({number} value, nint* result) => "
-            f"Casts.EnumGetType{pair}(value, result);",
-        ]
     type_of = f"TypeOf<{bound}>(result)"
     if family.type.static:
         type_of = f"TypeOf(typeof({bound}), result)"

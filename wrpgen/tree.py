@@ -50,7 +50,6 @@ def write_tree(extension: Extension, families: list[Family]) -> str:
             extension=extension,
             modules=_modules(extension, families),
             root_methods=extension.key == "psd",
-            own_descriptors=True,
         )
     )
     return wrapped(text)
