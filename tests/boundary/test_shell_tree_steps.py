@@ -500,3 +500,24 @@ def test_the_hidden_module_belongs_to_the_root(in_process):
 
     # The root's dictionary, and the copy of it that the interpreter keeps of a module of its kind.
     assert in_process(program).value == 2
+
+
+@behaviour("shell-tree.leaf.enum-short-name")
+def test_an_enumeration_is_held_by_what_is_seen_to_hold_it(in_process):
+    if sys.version_info < (3, 9):
+        pytest.skip("on this interpreter objects do not tell the collector of their class")
+
+    def program():
+        import gc
+
+        from family import Family
+
+        xmp = Family().complete().psd().xmp
+        holders = gc.get_referrers(xmp.XmpArrayType)
+        found = sum(
+            sum(1 for value in gc.get_referents(item) if value is xmp.XmpArrayType)
+            for item in holders
+        )
+        return ctypes.c_uint32.from_address(id(xmp.XmpArrayType)).value - found
+
+    assert in_process(program).value == 0
