@@ -67,18 +67,7 @@ internal sealed unsafe class PngFile : IDisposable
 
     private void Begin(PngHead head)
     {
-        var colors = new byte[head.Palette.Length * 3];
-        var alphas = new byte[head.Palette.Length];
-        for (var i = 0; i < alphas.Length; i++)
-        {
-            var color = Color.FromArgb(head.Palette[i]);
-            (colors[i * 3], colors[i * 3 + 1], colors[i * 3 + 2], alphas[i]) = (
-                color.R,
-                color.G,
-                color.B,
-                color.A
-            );
-        }
+        var (colors, alphas) = Split(head.Palette);
         fixed (
             byte* palette = colors,
                 alpha = alphas,
@@ -112,6 +101,18 @@ internal sealed unsafe class PngFile : IDisposable
             writer = created;
             Verify(status);
         }
+    }
+
+    private static (byte[] Colors, byte[] Alphas) Split(int[] palette)
+    {
+        var (colors, alphas) = (new byte[palette.Length * 3], new byte[palette.Length]);
+        for (var i = 0; i < alphas.Length; i++)
+        {
+            var color = Color.FromArgb(palette[i]);
+            (colors[i * 3], colors[i * 3 + 1], colors[i * 3 + 2]) = (color.R, color.G, color.B);
+            alphas[i] = color.A;
+        }
+        return (colors, alphas);
     }
 
     private void Verify(NativeImaging.Status status)

@@ -73,20 +73,27 @@ internal static class LayerSectionWriter
         {
             if (block == section.PlaceBlock && section.Place == LayerPlace.Block)
             {
-                TaggedBlockWriter.WriteHead(part, block.SignatureCode, block.KeyCode, info.Length);
-                part.Append(info);
-                // Unlike that of layers, the length of the document's blocks leaves the padding
-                // out.
-                part.Zeros((int)(-info.Length & 3));
-                continue;
+                WriteLayerBlock(part, block, info);
             }
-            if (!dropTextEngine || block.KeyCode != TextEngine)
+            else if (!dropTextEngine || block.KeyCode != TextEngine)
             {
                 TaggedBlockWriter.Write(part, block, verbatim);
             }
         }
         part.Block(section.Rest);
         return part;
+    }
+
+    // Unlike that of layers, the length of the document's blocks leaves the padding out.
+    private static void WriteLayerBlock(
+        SectionWriter part,
+        LayerResource block,
+        SectionWriter info
+    )
+    {
+        TaggedBlockWriter.WriteHead(part, block.SignatureCode, block.KeyCode, info.Length);
+        part.Append(info);
+        part.Zeros((int)(-info.Length & 3));
     }
 
     private static bool HasTextEngine(LayerSection section) =>
