@@ -2,6 +2,7 @@
 #include "marshal/date_api.h"
 
 #include "shell/identifiers.h"
+#include "shell/ref.h"
 
 #include <datetime.h>
 
@@ -13,12 +14,12 @@ namespace {
 void *find_capsule() {
     static PyObject *attribute; // interned, and never released, as all identifiers
     if (attribute == nullptr) attribute = PyUnicode_InternFromString("datetime_CAPI");
-    PyObject *const modules = PyImport_GetModuleDict();
-    if (attribute == nullptr || !PyDict_CheckExact(modules)) return PyErr_Clear(), nullptr;
     // The module and the class in it bear one name.
-    PyObject *const module = PyDict_GetItemWithError(modules, PyWrpIdTypeName_DateTime);
-    if (module == nullptr || !PyModule_CheckExact(module)) return PyErr_Clear(), nullptr;
-    PyObject *const capsule = PyDict_GetItemWithError(PyModule_GetDict(module), attribute);
+    const Ref module = Ref::steal(PyImport_GetModule(PyWrpIdTypeName_DateTime));
+    if (attribute == nullptr || !module || !PyModule_CheckExact(module.get())) {
+        return PyErr_Clear(), nullptr;
+    }
+    PyObject *const capsule = PyDict_GetItemWithError(PyModule_GetDict(module.get()), attribute);
     if (capsule == nullptr || !PyCapsule_CheckExact(capsule)) return PyErr_Clear(), nullptr;
     void *const api = PyCapsule_GetPointer(capsule, PyDateTime_CAPSULE_NAME);
     if (api == nullptr) PyErr_Clear();
