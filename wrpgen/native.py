@@ -85,17 +85,21 @@ class CallText:
         return result_lines(self._host, self.call.entry, passed, self.call.result, self._pushes())
 
     def _pushes(self) -> list[str]:
-        lines = []
-        for argument in self.call.arguments:
-            if argument.by_reference:
-                if not argument.form.built:
-                    value = _fill(argument.form.c_to_py, argument.variable + "_value")
-                    lines.append(f"PyObject *const {argument.variable}_object = {value};")
-                lines += [
-                    f"if ({argument.variable}_object == nullptr) return nullptr;",
-                    f"if (fn_push_parbyref_outvalue({argument.variable}.list, "
-                    f"{argument.variable}_object) < 0) return nullptr;",
-                ]
+        """The values that came out go into the caller's lists, once all of them are made."""
+        outs = [argument for argument in self.call.arguments if argument.by_reference]
+        if not outs:
+            return []
+        # What the managed side has built is held before a conversion can fail.
+        outs.sort(key=lambda argument: not argument.form.built)
+        lines = [f"PyTrPyObjStack<{len(outs)}> made;"]
+        for out in outs:
+            built = f"{out.variable}_object"
+            value = built if out.form.built else _fill(out.form.c_to_py, f"{out.variable}_value")
+            lines.append(f"if (!made.push({value})) return nullptr;")
+        lines += [
+            f"if (fn_push_parbyref_outvalue({out.variable}.list, made.pop()) < 0) return nullptr;"
+            for out in reversed(outs)
+        ]
         return lines
 
     def construct_into(self, handle: str) -> list[str]:

@@ -81,3 +81,20 @@ def test_what_is_put_into_a_list_belongs_to_the_list_alone(s):
     after = sys.getrefcount(square), sys.getrefcount(given)
     # one in `start`; the list let go of what it held
     assert after == (before[0] + 1, before[1] - 1)
+
+
+@psd_scene()
+def test_no_list_changes_when_one_value_cannot_be_made(s):
+    cap, _ = cap_with_delegate(s)
+
+    def give(frame):
+        c_int32.from_address(frame.integers[1]).value = 1
+        c_int32.from_address(frame.integers[2]).value = 12345
+
+    s.method(CAP, GET).reset().calls(give)
+    square = s.type_of("LineCap").SQUARE
+    before = sys.getrefcount(square)
+    start, end = [], [None]
+    raised(ValueError, cap.get_stroke_caps, start, end)
+    assert (start, end) == ([], [None])
+    assert sys.getrefcount(square) == before

@@ -132,7 +132,8 @@ TEST(StartFailure, IsAStandardExceptionWithOneText) {
     const CoreClrInitException failure(1, "/e", "D", 0, nullptr, nullptr);
     using What = const char *(*)(const void *);
     using Slot = void (*)();
-    const Slot *slots = *reinterpret_cast<const Slot *const *>(&failure);
+    const Slot *slots;
+    std::memcpy(&slots, &failure, sizeof(slots));
     const auto what = reinterpret_cast<What>(slots[2]);
     EXPECT_STREQ(what(&failure), failure.what());
     EXPECT_NE(slots[0], slots[1]);
