@@ -54,7 +54,7 @@ api: setup
 	@tools/make_api.sh $(BUILD)
 
 asan:
-	@$(MAKE) --no-print-directory test PRESET=asan TESTS='--only unit --only boundary'
+	@$(MAKE) --no-print-directory test PRESET=asan TESTS='--only unit --only boundary --only properties'
 
 matrix: build
 	@$(TOOL) tools/matrix.py --base $(BUILD) $(MATRIX)
@@ -63,6 +63,7 @@ bench:
 	@$(MAKE) --no-print-directory build PRESET=release
 	build/release/bin/python bench/run.py
 	build/release/bin/python bench/import
+	build/release/bin/python bench/values.py
 
 clean:
 	rm -rf build
