@@ -37,7 +37,9 @@ PyObject *new_offset_datetime(const DateTimeArgBuilder &fields, int64_t offset) 
     if (!timezone) return nullptr;
     const Ref delta = new_span(offset);
     if (!delta) return nullptr;
-    const Ref tzinfo = Ref::steal(PyObject_CallOneArg(timezone.get(), delta.get()));
+    // PyObject_CallOneArg would ask 3.9 and 3.10 for the state of the thread.
+    const Ref tzinfo =
+        Ref::steal(PyObject_CallFunctionObjArgs(timezone.get(), delta.get(), nullptr));
     return tzinfo ? call_datetime_class(fields, tzinfo.get()) : nullptr;
 }
 

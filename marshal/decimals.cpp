@@ -161,7 +161,8 @@ PyObject *fn_conv_clr_decimal_to_py_decimal(uint32_t *source) {
     }
     const Ref parts =
         Ref::steal(Py_BuildValue("(iOi)", builder.sign(), digits.get(), -builder.exponent()));
-    return parts ? PyObject_CallOneArg(decimal_type.get(), parts.get()) : nullptr;
+    // PyObject_CallOneArg would ask 3.9 and 3.10 for the state of the thread.
+    return parts ? PyObject_CallFunctionObjArgs(decimal_type.get(), parts.get(), nullptr) : nullptr;
 }
 
 PyObject *fn_write_py_decimal(uint32_t *source) {

@@ -16,21 +16,8 @@ static inline int Py_IS_TYPE(const PyObject *object, const PyTypeObject *type) {
     return Py_TYPE(object) == type;
 }
 
-static inline PyObject *PyObject_CallNoArgs(PyObject *callable) {
-    return PyObject_CallFunctionObjArgs(callable, nullptr);
-}
-
-static inline PyObject *PyObject_CallOneArg(PyObject *callable, PyObject *argument) {
-    return PyObject_CallFunctionObjArgs(callable, argument, nullptr);
-}
-
 static inline PyObject *PyObject_CallMethodNoArgs(PyObject *object, PyObject *name) {
     return PyObject_CallMethodObjArgs(object, name, nullptr);
-}
-
-static inline PyObject *PyObject_CallMethodOneArg(PyObject *object, PyObject *name,
-                                                  PyObject *argument) {
-    return PyObject_CallMethodObjArgs(object, name, argument, nullptr);
 }
 
 static inline int PyObject_GC_IsTracked(PyObject *object) {
