@@ -391,8 +391,10 @@ def test_a_long_managed_call_blocks_all_threads(in_process):
         start = count[0]
         time.sleep(0.4)
         free = count[0] - start
-        # Without a switch in between the call is all that lies between the two looks.
-        sys.setswitchinterval(5)
+        # Without a switch in between the call is all that lies between the two looks. Waits that
+        # have begun keep the old interval, so the lock changes hands once under the new one.
+        sys.setswitchinterval(1)
+        time.sleep(0.02)
         start = count[0]
         began = time.monotonic()
         hash(made)
