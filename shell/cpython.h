@@ -20,10 +20,6 @@ static inline PyObject *PyObject_CallMethodNoArgs(PyObject *object, PyObject *na
     return PyObject_CallMethodObjArgs(object, name, nullptr);
 }
 
-static inline int PyObject_GC_IsTracked(PyObject *object) {
-    return _PyObject_GC_IS_TRACKED(object);
-}
-
 #endif
 
 #if PY_VERSION_HEX < 0x030A0000
@@ -37,8 +33,6 @@ static inline PyObject *Py_XNewRef(PyObject *object) {
     Py_XINCREF(object);
     return object;
 }
-
-static inline int Py_Is(const PyObject *left, const PyObject *right) { return left == right; }
 
 #endif
 
