@@ -436,6 +436,34 @@ def test_an_operation_does_not_mind_a_pending_exception(in_process):
     assert calls == [["InitServices", []], ["FreeInstance", [HANDLE]], ["GetHashOfObj", [HANDLE]]]
 
 
+UNBOUND = [
+    ("exchange", "free_instance", "BoxStcTarget", []),
+    ("exchange", "box_stc_target", "BoxStcTarget", ["crash"]),
+    ("object", "get_hash_code_of_obj", "Dispose", []),
+    ("object", "dispose", "Dispose", ["crash"]),
+]
+
+
+@pytest.mark.parametrize(("host", "operation", "refused", "end"), UNBOUND)
+def test_an_operation_does_not_look_whether_its_slot_is_bound(
+    in_process, host, operation, refused, end
+):
+    def program(host, operation, refused):
+        import native
+
+        script = Script()
+        script.refuse({"exchange": EXCHANGE, "object": OBJECT}[host], refused)
+        native.start_host()
+        name = script.keep(ctypes.create_string_buffer(b"WrpInterop.Kelmor.PSD"))
+        initialize = native.function("exchange_initialize", ctypes.c_int, ctypes.c_void_p)
+        initialize(ctypes.addressof(name))
+        native.function(f"{host}_{operation}", ctypes.c_void_p, ctypes.c_void_p)(1)
+        return "alive"
+
+    outcome = in_process(program, host, operation, refused, code=None)
+    assert (outcome.code == 0, outcome.value) == ((False, None) if end else (True, "alive"))
+
+
 @behaviour("host-services.exit.no-managed-call")
 def test_the_end_of_the_services_calls_no_delegate(in_process):
     def program():

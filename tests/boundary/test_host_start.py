@@ -7,6 +7,7 @@ import sys
 
 import pytest
 from host_programs import (
+    ABORTED,
     EXECUTABLE,
     INITIALIZE,
     LOAD,
@@ -24,6 +25,43 @@ from host_programs import (
 from peer import ENTRIES, WRAP, Script, report, wrap_library
 
 behaviour = pytest.mark.behaviour
+TRACE = {"COREHOST_TRACE": "1"}
+
+
+def diary(folder, assemblies=()):
+    """The lines of a first load; a start that fails writes those up to its failure."""
+    folders = ":".join(map(str, [*assemblies, folder]))
+    return [
+        "CLR host tracing enabled",
+        "Initializing .NET Core host...",
+        f"NETCORE_DIR: '{folder}'",
+        f"PRODUCT_ASSEMBLY_DIR: '{folders}'",
+        f"Loading: '{folder}/{WRAP}'",
+        "Try get module...",
+        "No existed module...",
+        "wrap dll loaded",
+        f"Loading2: '{folder}/libcoreclr.so'",
+        ".NET Core host ready.",
+        "Creating default AppDomain...",
+        f"APP_PATH: '{folders}'",
+        f"APP_NI_PATHS: '{folders}'",
+        f"NATIVE_DLL_SEARCH_DIRECTORIES: '{folders}'",
+        f"HOST_EXE_PATH: '{EXECUTABLE}'",
+        "Default AppDomain ready.",
+    ]
+
+
+def diary_up_to(last, folder, assemblies=()):
+    whole = diary(folder, assemblies)
+    (end,) = [place for place, line in enumerate(whole) if line.startswith(last)]
+    return lines(*whole[: end + 1])
+
+
+@pytest.fixture
+def places(installation):
+    """The runtime folder and the assembly folders."""
+    names = ["psd", "gfxtypes"]
+    return installation.runtimes / "netcore10.0", [installation.assemblies / n for n in names]
 
 
 # The calls of the wrap library.
@@ -83,9 +121,10 @@ def test_a_load_succeeds_with_any_number_but_zero(in_process, answer):
 
 
 @behaviour("host-start.coreclr.load-refused", "host-start.wrap.load-sense")
-def test_a_refused_load_ends_the_process(in_process):
-    outcome = in_process(start_with, {"load": 0}, code=None)
+def test_a_refused_load_ends_the_process(in_process, places):
+    outcome = in_process(start_with, {"load": 0}, code=None, environment=TRACE)
     assert ended_by(outcome, "std::runtime_error", "init coreclr wap")
+    assert outcome.stdout == diary_up_to("Loading2", *places)
     assert outcome.calls == [LOAD]
 
 
@@ -109,11 +148,8 @@ def test_the_runtime_is_loaded_by_its_path_and_only_by_the_wrap_library(in_proce
 @pytest.mark.parametrize(
     ("code", "shown"), [(1, "1"), (-1, "ffffffff"), (-2147024809, "80070057"), (256, "100")]
 )
-def test_a_refused_start_ends_the_process_with_all_that_was_given(
-    in_process, installation, code, shown
-):
-    environment = {"COREHOST_TRACE": "1"}
-    outcome = in_process(start_with, {"initialize": code}, code=None, environment=environment)
+def test_a_refused_start_ends_the_process_with_all_that_was_given(in_process, places, code, shown):
+    outcome = in_process(start_with, {"initialize": code}, code=None, environment=TRACE)
     folders = ":".join(folders_of(outcome))
     text = (
         f"coreclr_initialize failed (0x{shown}) [<APP_DOMAIN_NAME>='KelmorCLRHostDomain',"
@@ -124,8 +160,7 @@ def test_a_refused_start_ends_the_process_with_all_that_was_given(
     )
     assert ended_by(outcome, "CoreClrInitException", text)
     # The diary up to here is not lost, although nobody flushes when a process aborts.
-    assert outcome.stdout.endswith(lines(f"HOST_EXE_PATH: '{EXECUTABLE}'"))
-    assert "Default AppDomain ready." not in outcome.stdout
+    assert outcome.stdout == diary_up_to("HOST_EXE_PATH", *places)
     assert outcome.calls == [LOAD, INITIALIZE]
 
 
@@ -180,7 +215,7 @@ def test_a_domain_is_created_once(in_process):
         print("again", flush=True)
         return native.function("host_create_default_app_domain")()
 
-    outcome = in_process(program, environment={"COREHOST_TRACE": "1"})
+    outcome = in_process(program, environment=TRACE)
     assert outcome.value == 0
     assert outcome.calls.count(INITIALIZE) == 1
     after = outcome.stdout.partition("again\n")[2]
@@ -254,19 +289,31 @@ def test_later_calls_give_the_object_and_do_nothing_else(in_process, installatio
         return later == [first] * 3, script.calls == calls, folder
 
     elsewhere = str(installation.root)
-    outcome = in_process(program, elsewhere, environment={"COREHOST_TRACE": "1"})
+    outcome = in_process(program, elsewhere, environment=TRACE)
     assert outcome.value == [True, True, str(installation.runtimes / "netcore10.0")]
     before = outcome.stdout.partition("end of the calls")[0]
     assert before.endswith(lines("Default AppDomain ready."))
     assert before.count("Initializing .NET Core host...") == 1
 
 
+def test_a_first_call_that_only_wants_the_object_ends_the_process(in_process):
+    def program():
+        import native
+
+        Script()
+        native.start_host(None, names=(None, None))
+
+    outcome = in_process(program, code=None)
+    assert outcome.code == ABORTED
+    # It is the name of the family that is read first of all.
+    assert "terminate called after throwing an instance of 'std::logic_error'" in outcome.stderr
+    assert outcome.calls == []
+
+
 @behaviour("host-start.instance.names-unread")
 def test_the_two_names_reach_nothing(in_process):
-    environment = {"COREHOST_TRACE": "1"}
-
     def seen(*names):
-        outcome = in_process(start_from, None, None, names, environment=environment)
+        outcome = in_process(start_from, None, None, names, environment=TRACE)
         journal = [{k: v for k, v in entry.items() if k != "process"} for entry in outcome.journal]
         return outcome.value, outcome.stdout, journal
 
@@ -298,28 +345,10 @@ def test_a_given_assembly_folder_is_the_only_one(in_process, installation):
 
 @behaviour("host-start.trace.first-load", "host-start.shutdown.trace")
 @pytest.mark.parametrize("result", [0, 7, -5])
-def test_the_diary_of_a_first_load(in_process, installation, result):
-    folder = installation.runtimes / "netcore10.0"
-    assemblies = f"{installation.assemblies}/psd:{installation.assemblies}/gfxtypes:{folder}"
-    answers = {"shutdown": result}
-    outcome = in_process(start_with, answers, environment={"COREHOST_TRACE": "1"})
+def test_the_diary_of_a_first_load(in_process, places, result):
+    outcome = in_process(start_with, {"shutdown": result}, environment=TRACE)
     assert outcome.stdout == lines(
-        "CLR host tracing enabled",
-        "Initializing .NET Core host...",
-        f"NETCORE_DIR: '{folder}'",
-        f"PRODUCT_ASSEMBLY_DIR: '{assemblies}'",
-        f"Loading: '{folder}/{WRAP}'",
-        "Try get module...",
-        "No existed module...",
-        "wrap dll loaded",
-        f"Loading2: '{folder}/libcoreclr.so'",
-        ".NET Core host ready.",
-        "Creating default AppDomain...",
-        f"APP_PATH: '{assemblies}'",
-        f"APP_NI_PATHS: '{assemblies}'",
-        f"NATIVE_DLL_SEARCH_DIRECTORIES: '{assemblies}'",
-        f"HOST_EXE_PATH: '{EXECUTABLE}'",
-        "Default AppDomain ready.",
+        *diary(*places),
         "Shutdowning .NET Core host...",
         f".NET Core host is down: {result}",
     )
@@ -329,7 +358,7 @@ def test_the_diary_of_a_first_load(in_process, installation, result):
 @behaviour("host-start.trace.attach")
 def test_the_diary_of_an_attaching_module(in_process, installation):
     folder = installation.runtimes / "netcore10.0"
-    outcome = in_process(attach, str(folder), environment={"COREHOST_TRACE": "1"})
+    outcome = in_process(attach, str(folder), environment=TRACE)
     text = outcome.stdout
     assert text[text.index("Loading: ") :] == lines(
         f"Loading: '{folder}/{WRAP}'",
@@ -366,10 +395,10 @@ def test_a_wrap_library_that_cannot_be_loaded_ends_the_process(in_process, empty
     folder = empty_installation.runtimes / "netcore10.0"
     folder.mkdir()
     (folder / WRAP).write_text("no library")
-    environment = {"COREHOST_TRACE": "1"}
-    outcome = in_process(start, code=None, environment=environment)
+    outcome = in_process(start, code=None, environment=TRACE)
     assert ended_by(outcome, "std::runtime_error", "DynamicLibrary::load")
-    assert outcome.stdout.endswith(lines("No module...", f"No: '{folder}/{WRAP}'"))
+    tail = lines("No module...", f"No: '{folder}/{WRAP}'")
+    assert outcome.stdout == diary_up_to("No existed module...", folder) + tail
 
 
 @behaviour("host-start.load.never-unloaded")
@@ -389,9 +418,11 @@ def test_the_wrap_library_stays(in_process):
 @behaviour("host-start.bind.missing-symbol")
 @pytest.mark.parametrize("entry", ENTRIES)
 def test_a_missing_entry_ends_the_process(in_process, empty_installation, entry):
-    empty_installation.add_runtime(without=[entry])
-    outcome = in_process(start, code=None)
+    folder = empty_installation.add_runtime(without=[entry])
+    outcome = in_process(start, code=None, environment=TRACE)
     assert ended_by(outcome, "std::runtime_error", f"No such symbol: {entry}")
+    # The path of the runtime is told once there is an entry to take it.
+    assert outcome.stdout == diary_up_to("wrap dll loaded", folder)
     assert outcome.calls == []
 
 
@@ -456,8 +487,7 @@ def test_an_attached_module_does_not_shut_down(in_process, installation):
         return [before, native.function("host_try_shutdown_default_app_domain")(), ready()]
 
     runtime = str(installation.runtimes / "netcore10.0")
-    environment = {"COREHOST_TRACE": "1"}
-    outcome = in_process(program, runtime, environment=environment)
+    outcome = in_process(program, runtime, environment=TRACE)
     assert outcome.value == [1, -1, 0]
     assert outcome.calls == [QUERY]
     assert outcome.stdout.endswith(".NET Core host ready.\r\n")
@@ -512,7 +542,7 @@ def test_the_diary_reaches_standard_output_alone(in_process):
         Script()
         native.start_services()
 
-    outcome = in_process(program, environment={"COREHOST_TRACE": "1"})
+    outcome = in_process(program, environment=TRACE)
     assert outcome.stdout.startswith("CLR host tracing enabled\r\n")
     assert outcome.stderr == ""
 

@@ -5,7 +5,19 @@
 #include "host_scene.h"
 
 #include <cstring>
+#include <dlfcn.h>
+#include <set>
+#include <stdexcept>
 #include <type_traits>
+
+// Which variables have been asked for, while a test looks.
+static std::vector<std::string> *variables_read = nullptr;
+
+extern "C" char *getenv(const char *name) noexcept {
+    static const auto real = reinterpret_cast<char *(*)(const char *)>(dlsym(RTLD_NEXT, "getenv"));
+    if (variables_read) variables_read->push_back(name);
+    return real(name);
+}
 
 namespace {
 
@@ -108,6 +120,66 @@ TEST(CompletingFolders, LeavesOneThatIsThere) {
     EXPECT_EQ(completed({"/r"}, "/r/"), (Folders{"/r", "/r/"}));
 }
 
+// Without a runtime beside this program the start fails, so the object stays without a library.
+TEST(Start, ReadsThreeVariablesAndNothingElse) {
+    std::vector<std::string> names;
+    variables_read = &names;
+    try {
+        HostEnvironment::instance("first", false, "kelmor", "second", nullptr, nullptr);
+        FAIL() << "nothing was thrown";
+    } catch (const std::runtime_error &error) {
+        EXPECT_STREQ(error.what(), "DynamicLibrary::load");
+    }
+    variables_read = nullptr;
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"COREHOST_TRACE", "NETCORE_WRAPPER_NETCORE_DIR_kelmor",
+                                        "NETCORE_WRAPPER_ASSEMBLY_DIR_kelmor"}));
+}
+
+int start_answer = 0;
+int starts = 0;
+std::vector<const char *> given_values;
+const char *given_exe_path = nullptr;
+
+int answer_start(const char *exe_path, const char *, int count, const char **,
+                 const char **values) {
+    ++starts;
+    given_exe_path = exe_path;
+    given_values.assign(values, values + count);
+    return start_answer;
+}
+
+// The other side may keep or change a text without harm to another, or to the host.
+TEST(Start, GivesEveryPropertyATextOfItsOwn) {
+    HostTest::Environment environment;
+    environment.set_start("/bin/python", "/a:/b", answer_start);
+    start_answer = 0;
+    EXPECT_TRUE(environment.host->create_default_app_domain());
+    ASSERT_EQ(given_values.size(), 5u);
+    for (const int index : {1, 2, 3}) {
+        EXPECT_STREQ(given_values[index], "/a:/b");
+        EXPECT_FALSE(environment.shows(given_values[index]));
+    }
+    EXPECT_EQ(std::set<const char *>(given_values.begin() + 1, given_values.begin() + 4).size(),
+              3u);
+    EXPECT_STREQ(given_exe_path, "/bin/python");
+    EXPECT_FALSE(environment.shows(given_exe_path));
+}
+
+TEST(Start, MakesADomainUnlessItIsRefusedOrThereIsOne) {
+    HostTest::Environment environment;
+    environment.set_start("/bin/python", "/a", answer_start);
+    starts = 0;
+    start_answer = 5;
+    EXPECT_THROW(environment.host->create_default_app_domain(), CoreClrInitException);
+    EXPECT_FALSE(environment.domain_initialized());
+    start_answer = 0;
+    EXPECT_TRUE(environment.host->create_default_app_domain());
+    EXPECT_TRUE(environment.domain_initialized());
+    EXPECT_FALSE(environment.host->create_default_app_domain());
+    EXPECT_EQ(starts, 2);
+}
+
 int shutdowns = 0;
 int count_shutdown() { return ++shutdowns; }
 
@@ -118,9 +190,23 @@ TEST(Shutdown, DoesNothingBeforeTheStart) {
     EXPECT_EQ(environment.host->try_shutdown_default_app_domain(), -1);
     environment.set_domain_initialized(true); // but no entry is bound
     EXPECT_EQ(environment.host->try_shutdown_default_app_domain(), -1);
+    EXPECT_TRUE(environment.domain_initialized()); // it is nobody's yet
     environment.set_domain_initialized(false);
     environment.set_shutdown(count_shutdown); // but there is no domain
     EXPECT_EQ(environment.host->try_shutdown_default_app_domain(), -1);
+    EXPECT_EQ(shutdowns, 0);
+}
+
+TEST(Shutdown, WithoutTheLibraryOnlyForgetsTheDomain) {
+    shutdowns = 0;
+    HostTest::Environment environment;
+    environment.set_shutdown(count_shutdown);
+    for (const bool first_load : {false, true}) {
+        environment.set_first_load(first_load);
+        environment.set_domain_initialized(true);
+        EXPECT_EQ(environment.host->try_shutdown_default_app_domain(), -1) << first_load;
+        EXPECT_FALSE(environment.domain_initialized()) << first_load;
+    }
     EXPECT_EQ(shutdowns, 0);
 }
 

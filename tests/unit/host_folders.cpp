@@ -141,6 +141,12 @@ TEST(Numbers, BeyondTheRangeThrow) {
     expect_overflow([&] { try_parse("netcore6.99999999999", version); });
 }
 
+TEST(Numbers, AreReadFromLeftToRight) {
+    NetcoreVersion version;
+    expect_overflow([&] { try_parse("netcore99999999999.x", version); });
+    EXPECT_FALSE(try_parse("netcorex.99999999999", version)); // refused before it throws
+}
+
 class RuntimeSearch : public testing::Test {
 protected:
     // Adds the folders with the file in each, and gives the name of the winner.
@@ -319,6 +325,11 @@ TEST_F(AssemblySearch, SeesRealFoldersAlone) {
     root.add_file("file");
     root.add_link("link", root.path("a"));
     EXPECT_EQ(found(), List{root.path("a")});
+    root.add_folder("b");
+    entry_of_unknown_type = "b";
+    EXPECT_EQ(found(), List{root.path("a")});
+    entry_of_unknown_type = "";
+    EXPECT_EQ(found().size(), 2u);
 }
 
 TEST_F(AssemblySearch, PutsASlashBehindEveryRoot) {

@@ -91,6 +91,18 @@ struct HostTest {
         void set_debug(bool debug) { host->m_debug = debug; }
         void set_shutdown(int (*entry)()) { host->m_shutdown = entry; }
         void set_domain_initialized(bool value) { host->m_domain_initialized = value; }
+        void set_first_load(bool value) { host->m_library.first_load = value; }
+        bool domain_initialized() const { return host->m_domain_initialized; }
+        void set_start(const char *exe_path, const char *assembly_dirs,
+                       int (*entry)(const char *, const char *, int, const char **,
+                                    const char **)) {
+            host->m_exe_path = exe_path;
+            host->m_product_assembly_dir = assembly_dirs;
+            host->m_initialize = entry;
+        }
+        bool shows(const char *text) const {
+            return text == host->m_exe_path.c_str() || text == host->m_product_assembly_dir.c_str();
+        }
 
         HostEnvironment *host;
 

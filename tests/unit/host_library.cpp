@@ -9,6 +9,17 @@
 #include <stdexcept>
 #include <sys/wait.h>
 #include <type_traits>
+#include <typeinfo>
+
+// How a library was opened last.
+static int last_mode = 0;
+
+extern "C" void *dlopen(const char *path, int mode) noexcept {
+    static const auto real =
+        reinterpret_cast<void *(*)(const char *, int)>(dlsym(RTLD_NEXT, "dlopen"));
+    last_mode = mode;
+    return real(path, mode);
+}
 
 namespace {
 
@@ -134,6 +145,7 @@ TEST_F(Library, IsLoadedWithGlobalSymbols) {
     ASSERT_FALSE(is_global());
     void *handle = pal::load_library(one);
     ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(last_mode, RTLD_NOW | RTLD_GLOBAL);
     EXPECT_TRUE(is_global());
     pal::free_library(handle);
 }
@@ -155,6 +167,7 @@ TEST_F(Library, LookingForOneDoesNotLoadIt) {
     RecordProperty("behaviour", "host-platform.get-module.not-loaded");
     void *handle = this;
     EXPECT_FALSE(pal::get_module(one, &handle));
+    EXPECT_EQ(last_mode, RTLD_NOW | RTLD_NOLOAD);
     EXPECT_EQ(handle, nullptr);
     EXPECT_FALSE(is_in_process(one));
 }
@@ -194,6 +207,7 @@ TEST_F(Library, ALookUpWithoutAHandleIsALogicError) {
         FAIL() << "nothing was thrown";
     } catch (const std::logic_error &error) {
         EXPECT_STREQ(error.what(), "Library was not opened!");
+        EXPECT_EQ(typeid(error), typeid(std::logic_error)); // none of those that derive from it
     }
 }
 
@@ -235,7 +249,9 @@ TEST_F(Library, OneThatIsNewIsAFirstLoad) {
 TEST_F(Library, OneThatIsMissingIsNamedWithoutAReason) {
     RecordProperty("behaviour", "host-platform.try-load.missing");
     DynamicLibrary target;
+    dlerror();
     const Written written = traced_load(missing, target, false);
+    EXPECT_NE(dlerror(), nullptr); // nobody has asked for the reason
     EXPECT_EQ(written, (Written{"Try get module...\r\nNo existed module...\r\nNo module...\r\n"
                                 "No: '" +
                                     missing + "'\r\n",
@@ -271,6 +287,7 @@ TEST_F(Library, AFailedLoadThrows) {
         FAIL() << "nothing was thrown";
     } catch (const std::runtime_error &error) {
         EXPECT_STREQ(error.what(), "DynamicLibrary::load");
+        EXPECT_EQ(typeid(error), typeid(std::runtime_error));
     }
 }
 

@@ -206,6 +206,7 @@ TEST(PathBuilding, EachPartIsAppendedToACopyOfTheBase) {
 TEST(Joining, PutsOneSeparatorBetweenItems) {
     RecordProperty("behaviour", "host-platform.join.plain");
     EXPECT_EQ(pal::join({"a", "b", "a"}, ':', false), "a:b:a");
+    EXPECT_EQ(pal::join({"", "a", ""}, ':', false), ":a:"); // empty items are items too
 }
 
 TEST(Joining, AnEmptyListGivesNothing) {
@@ -217,6 +218,7 @@ TEST(Joining, AnEmptyListGivesNothing) {
 TEST(Joining, LeavesRepeatedItemsOutWhenAsked) {
     RecordProperty("behaviour", "host-platform.join.unique");
     EXPECT_EQ(pal::join({"a", "b", "a", "ab"}, ':', true), "a:b:ab");
+    EXPECT_EQ(pal::join({"", "a", ""}, ':', true), ":a");
 }
 
 TEST(Joining, HasAShortFormForUniqueItems) {
