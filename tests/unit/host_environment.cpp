@@ -138,14 +138,14 @@ TEST(Start, ReadsThreeVariablesAndNothingElse) {
 
 int start_answer = 0;
 int starts = 0;
-std::vector<const char *> given_values;
-const char *given_exe_path = nullptr;
+// The texts live as long as the call.
+std::vector<std::string> given_texts;
+std::set<const char *> given_addresses;
 
-int answer_start(const char *exe_path, const char *, int count, const char **,
-                 const char **values) {
+int answer_start(const char *exe_path, const char *, int, const char **, const char **values) {
     ++starts;
-    given_exe_path = exe_path;
-    given_values.assign(values, values + count);
+    given_texts = {exe_path, values[1], values[2], values[3]};
+    given_addresses = {exe_path, values[1], values[2], values[3]};
     return start_answer;
 }
 
@@ -155,15 +155,9 @@ TEST(Start, GivesEveryPropertyATextOfItsOwn) {
     environment.set_start("/bin/python", "/a:/b", answer_start);
     start_answer = 0;
     EXPECT_TRUE(environment.host->create_default_app_domain());
-    ASSERT_EQ(given_values.size(), 5u);
-    for (const int index : {1, 2, 3}) {
-        EXPECT_STREQ(given_values[index], "/a:/b");
-        EXPECT_FALSE(environment.shows(given_values[index]));
-    }
-    EXPECT_EQ(std::set<const char *>(given_values.begin() + 1, given_values.begin() + 4).size(),
-              3u);
-    EXPECT_STREQ(given_exe_path, "/bin/python");
-    EXPECT_FALSE(environment.shows(given_exe_path));
+    EXPECT_EQ(given_texts, (std::vector<std::string>{"/bin/python", "/a:/b", "/a:/b", "/a:/b"}));
+    EXPECT_EQ(given_addresses.size(), 4u);
+    for (const char *address : given_addresses) EXPECT_FALSE(environment.shows(address));
 }
 
 TEST(Start, MakesADomainUnlessItIsRefusedOrThereIsOne) {
