@@ -2,7 +2,7 @@
 
 import ctypes
 
-from wrappers import POINTER, handle_of, i32, raised, scene, text_of, variant
+from wrappers import handle_of, i32, raised, scene, sibling_wrapper, text_of, variant
 
 
 def fails(*statuses):
@@ -68,12 +68,7 @@ def test_type_of(s):
     "binding-casts.cast-to.wrong-argument",
 )
 def test_cast_to_takes_any_wrapper_and_none(s):
-    class Sibling:
-        __slots__ = ("handle",)
-        _kelmor_clr_host = None
-
-    sibling = Sibling()
-    POINTER.from_address(id(sibling) + 16).value = 0x30
+    sibling = sibling_wrapper(0x30)
     for name, kind in [("Sample", s.Sample), ("Value", s.Value), ("IShape", s.IShape)]:
         s.method(name, "btp_CastTo").shows(0, 16).returns(0)
         s.clear()
@@ -84,7 +79,6 @@ def test_cast_to_takes_any_wrapper_and_none(s):
         for value in (5, "x", object()):
             assert kind._cast_to(value) == ("cast", 0, "null")
         assert len(s.calls("btp_CastTo")) == 4
-    POINTER.from_address(id(sibling) + 16).value = None
 
 
 @scene(

@@ -4,7 +4,7 @@ import ctypes
 import gc
 import sys
 
-from wrappers import INT, OBJECT, POINTER, scene, text_of
+from wrappers import INT, OBJECT, POINTER, scene, sibling_wrapper, text_of
 
 
 def entries(kind):
@@ -186,12 +186,7 @@ def test_wrappers_of_the_family_are_converted(s):
             return convert(value, ctypes.addressof(record) + 8), record.value
         return convert(value, ctypes.addressof(record)), record.kind, record.value
 
-    class Sibling:
-        __slots__ = ("handle",)
-        _kelmor_clr_host = None
-
-    sibling = Sibling()
-    POINTER.from_address(id(sibling) + 16).value = 0x55
+    sibling = sibling_wrapper(0x55)
     w, v = s.wrap(s.Sample, 0x10), s.wrap(s.Value, 0x20)
     assert run("refobj_not_null", w) == (1, 0x10)
     assert run("refobj_not_null", sibling) == (1, 0x55)
@@ -206,7 +201,6 @@ def test_wrappers_of_the_family_are_converted(s):
         assert run(name, s.Sample.__new__(s.Sample)) == (1, 0, None)
     assert run("gen_not_null", None) == (0, -7, 0x99)
     assert run("gen", None) == (1, -7, None)
-    POINTER.from_address(id(sibling) + 16).value = None
 
 
 @scene("binding-markers.key.castable-never-read")

@@ -4,7 +4,17 @@ import ctypes
 import gc
 import sys
 
-from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, text_of, variant
+from wrappers import (
+    INT,
+    OBJECT,
+    POINTER,
+    handle_of,
+    raised,
+    scene,
+    sibling_wrapper,
+    text_of,
+    variant,
+)
 
 
 @scene("binding-wrapper.record.layout", "binding-wrapper.type.sizes")
@@ -313,16 +323,10 @@ def test_none_is_compared_as_a_null_handle(s):
 
 @scene("binding-wrapper.compare.sibling")
 def test_a_siblings_wrapper_is_known_by_its_marker(s):
-    class Sibling:
-        __slots__ = ("handle",)
-        _kelmor_clr_host = None
-
-    other = Sibling()
-    POINTER.from_address(id(other) + 16).value = 0x88
+    other = sibling_wrapper(0x88)
     s.method("Object", "IsEqualsOfObj").shows(1, 16).returns(1)
     assert s.wrap(s.Sample, 1) == other
     assert [variant(part[0]) for part in s.memory("IsEqualsOfObj")] == [(0, 0x88)]
-    POINTER.from_address(id(other) + 16).value = None
 
 
 @scene(

@@ -7,7 +7,7 @@ import os
 import sys
 
 import pytest
-from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, text_of
+from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, sibling_wrapper, text_of
 
 
 def as_variant(s, value):
@@ -26,30 +26,10 @@ def test_a_struct_wrapper_gives_its_handle(s):
     assert as_variant(s, s.wrap(s.Value, 0x6000)) == (2, 0x6000)
 
 
-def sibling_type(marker):
-    """A wrapper of another module: the layout and the marker, but no slot of ours."""
-
-    class Layout(ctypes.Structure):
-        _fields_ = [("refs", ctypes.c_ssize_t), ("kind", POINTER), ("handle", POINTER)]
-
-    kind = type("Sibling", (), {"__slots__": ("handle",), "_kelmor_clr_host": marker})
-
-    def make(handle):
-        made = kind()
-        # The collector would take the handle for an object.
-        ctypes.pythonapi.PyObject_GC_UnTrack(OBJECT(made))
-        Layout.from_address(id(made)).handle = handle
-        return made, lambda: setattr(Layout.from_address(id(made)), "handle", None)
-
-    return make
-
-
 @scene("marshal-variant.kind.sibling-wrapper")
 def test_a_wrapper_of_a_sibling_gives_its_handle(s):
     for marker, kind in [(None, 1), (Ellipsis, 2)]:
-        made, clear = sibling_type(marker)(0x7000)
-        assert as_variant(s, made) == (kind, 0x7000)
-        clear()  # as would the slot
+        assert as_variant(s, sibling_wrapper(0x7000, marker)) == (kind, 0x7000)
 
 
 @scene("marshal-variant.kind.null-handle")

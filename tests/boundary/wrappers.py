@@ -106,6 +106,16 @@ def handle_of(wrapper):
     return POINTER.from_address(id(wrapper) + object.__basicsize__).value
 
 
+def sibling_wrapper(handle, marker=None):
+    """A wrapper of another module: the layout and the marker, but no slot of ours."""
+    made = type("Sibling", (), {"__slots__": ("handle",), "_kelmor_clr_host": marker})()
+    # The collector would take the handle for an object, and so would the end of the wrapper.
+    ctypes.pythonapi.PyObject_GC_UnTrack(OBJECT(made))
+    ctypes.pythonapi.Py_IncRef(OBJECT(made))
+    POINTER.from_address(id(made) + object.__basicsize__).value = handle
+    return made
+
+
 def i32(word):
     """The 32-bit number in a register."""
     return ctypes.c_int32(word & 0xFFFFFFFF).value

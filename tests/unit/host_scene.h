@@ -18,6 +18,7 @@ public:
         std::string pattern = testing::TempDir() + "kelmor-XXXXXX";
         path_ = mkdtemp(pattern.data());
         chmod(path_.c_str(), 0755);
+        umask(022); // a test says by itself what nobody may read
     }
     ~TemporaryFolder() { std::filesystem::remove_all(path_); }
     TemporaryFolder(const TemporaryFolder &) = delete;
