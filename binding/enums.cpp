@@ -9,6 +9,7 @@
 #include "shell/identifiers.h"
 #include "shell/import.h"
 #include "shell/import_errors.h"
+#include "shell/module_tree.h"
 #include "shell/ref.h"
 
 #include <string>
@@ -43,7 +44,13 @@ Ref call_base(const EnumDescription &description) {
     const Ref name = Ref::steal(PyUnicode_FromString(description.name));
     const Ref pairs = member_pairs(description);
     if (!name || !pairs) return Ref();
-    return Ref::steal(PyObject_CallFunctionObjArgs(base.get(), name.get(), pairs.get(), nullptr));
+    Ref made =
+        Ref::steal(PyObject_CallFunctionObjArgs(base.get(), name.get(), pairs.get(), nullptr));
+    if (!made || PyType_Check(made.get())) return made;
+    // The base is whatever stands in the module at that time, and what it gives is written into.
+    PyErr_Format(PyExc_TypeError, "'%.200s' object is no enumeration",
+                 Py_TYPE(made.get())->tp_name);
+    return Ref();
 }
 
 // The order of EnumDescription::protocol.
@@ -58,20 +65,6 @@ bool install_protocol(const EnumDescription &description, PyTypeObject *type) {
         if (install_descriptor(type, definition->ml_name, descriptor) < 0) return false;
     }
     return true;
-}
-
-// "Outer.Inner" in the module of Outer, by which pickling finds it.
-void set_nested_home(PyObject *enumeration, const PyTypeObject *enclosing, const char *name) {
-    const std::string_view path = enclosing->tp_name;
-    const std::size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos) return;
-    const std::string inner = std::string(path.substr(dot + 1)) + '.' + name;
-    const Ref home =
-        Ref::steal(PyUnicode_FromStringAndSize(path.data(), static_cast<Py_ssize_t>(dot)));
-    const Ref nested = Ref::steal(PyUnicode_FromString(inner.c_str()));
-    if (!home || !nested || PyObject_SetAttrString(enumeration, "__module__", home.get()) < 0 ||
-        PyObject_SetAttrString(enumeration, "__qualname__", nested.get()) < 0)
-        PyErr_Clear();
 }
 
 } // namespace
@@ -89,12 +82,15 @@ PyObject *create_enum(const EnumDescription &description, PyTypeObject **type) {
 
 int install_nested_enum(PyTypeObject *enclosing, const char *name, PyObject *enumeration) {
     const Ref owned = Ref::steal(enumeration);
+    const std::string full_name = std::string(enclosing->tp_name) + '.' + name;
     if (!owned) {
-        const std::string full_name = std::string(enclosing->tp_name) + '.' + name;
         PyShlErr_TypeInitializationInternalError(-1013, full_name.c_str());
         return -1;
     }
-    set_nested_home(owned.get(), enclosing, name);
+    const std::string_view outer = enclosing->tp_name;
+    const std::size_t dot = outer.rfind('.');
+    if (dot != outer.npos) // "Outer.Inner" in the module of Outer
+        fn_set_home(owned.get(), outer.substr(0, dot), full_name.substr(dot + 1));
     if (set_type_entry(enclosing, name, owned.get()) == 0) return 0;
     PyShlErr_TypeInitializationInternalError(-1020, enclosing->tp_name, name);
     return -1;

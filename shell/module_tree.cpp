@@ -4,8 +4,6 @@
 #include "shell/add_object.h"
 #include "shell/import_errors.h"
 
-#include <string_view>
-
 namespace {
 
 int fail_module(const char *module_name) {
@@ -13,17 +11,14 @@ int fail_module(const char *module_name) {
     return -1;
 }
 
-// The enumeration took the frame that imports us for its home; pickling goes by the right one.
-void set_home(PyObject *enumeration, const char *module_name) {
-    const Ref home = Ref::steal(PyUnicode_FromString(module_name));
-    if (!PyType_Check(enumeration) || !home) return;
-    if (PyObject_SetAttrString(enumeration, "__module__", home.get()) < 0) PyErr_Clear();
+Ref text_of(std::string_view text) {
+    return Ref::steal(
+        PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size())));
 }
 
-int set_package(PyObject *module, const char *module_name, size_t length) {
-    Ref package =
-        Ref::steal(PyUnicode_FromStringAndSize(module_name, static_cast<Py_ssize_t>(length)));
-    if (!package || add_object(module, "__package__", std::move(package)) < 0)
+int set_package(PyObject *module, const char *module_name, std::string_view package) {
+    Ref name = text_of(package);
+    if (!name || add_object(module, "__package__", std::move(name)) < 0)
         return fail_module(module_name);
     return 0;
 }
@@ -56,25 +51,35 @@ int fn_add_type(PyObject *module, const char *module_name, PyTypeObject *type, c
     return -1;
 }
 
+void fn_set_home(PyObject *enumeration, std::string_view module_name,
+                 std::string_view qualified_name) {
+    const Ref home = text_of(module_name);
+    const Ref path = text_of(qualified_name);
+    if (!home || !path || PyObject_SetAttrString(enumeration, "__module__", home.get()) < 0 ||
+        PyObject_SetAttrString(enumeration, "__qualname__", path.get()) < 0)
+        PyErr_Clear();
+}
+
 int fn_add_enum(PyObject *module, const char *module_name, const char *full_name, const char *name,
                 PyObject *created) {
     if (!created) {
         PyShlErr_TypeInitializationInternalError(-1013, full_name);
         return -1;
     }
-    set_home(created, module_name);
+    fn_set_home(created, module_name, name);
     if (add_object(module, name, Ref::steal(created)) == 0) return 0;
     PyShlErr_TypeInitializationInternalError(-1014, module_name, name);
     return -1;
 }
 
 int fn_set_leaf_package(PyObject *module, const char *module_name) {
-    const size_t dot = std::string_view(module_name).rfind('.');
-    return set_package(module, module_name, dot == std::string_view::npos ? 0 : dot);
+    const std::string_view name = module_name;
+    const size_t dot = name.rfind('.');
+    return set_package(module, module_name, name.substr(0, dot == name.npos ? 0 : dot));
 }
 
 int fn_set_branch_package(PyObject *module, const char *module_name) {
-    if (set_package(module, module_name, std::string_view(module_name).size()) < 0) return -1;
+    if (set_package(module, module_name, module_name) < 0) return -1;
     Ref path = Ref::steal(PyList_New(0));
     if (!path || add_object(module, "__path__", std::move(path)) < 0)
         return fail_module(module_name);

@@ -6,6 +6,8 @@
 
 #include "shell/cpython.h"
 
+#include <string_view>
+
 // A new module; -1003.
 PyObject *fn_create_module(PyModuleDef *definition);
 
@@ -18,6 +20,11 @@ int fn_ready_type(PyTypeObject *type);
 
 // Publishes the type with a new reference; -1014.
 int fn_add_type(PyObject *module, const char *module_name, PyTypeObject *type, const char *name);
+
+// Tells an enumeration made at run time where it stands, the names by which pickling finds it: its
+// base class took the frame that imports us for its home. One that refuses stays as it is.
+void fn_set_home(PyObject *enumeration, std::string_view module_name,
+                 std::string_view qualified_name);
 
 // Publishes an enumeration made at run time, whose reference it takes over. Null: -1013 with the
 // full name. Failing to add: -1014.

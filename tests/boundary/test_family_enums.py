@@ -272,6 +272,26 @@ def test_without_a_base_the_import_fails(in_process):
     assert any("(-1013)" in text for _, text, _, _ in chain)
 
 
+def test_a_base_that_gives_no_class_fails_the_import(in_process):
+    def program():
+        import enum
+        import sys
+        import types
+
+        import family
+
+        fake = types.ModuleType("enum")
+        fake.__dict__.update(vars(enum), IntEnum=lambda name, members: [name])
+        stubs = family.Family().complete()
+        sys.modules["enum"] = fake
+        return [entry[:2] for entry in stubs.failure()]
+
+    chain = in_process(program).value
+    assert [kind for kind, _ in chain] == ["ImportError", "ImportError", "TypeError"]
+    assert chain[1][1].startswith("Type initialization internal error (-1013) <kelmor.psd.")
+    assert chain[2][1] == "'list' object is no enumeration"
+
+
 @pytest.mark.behaviour("family-enums.make.call-fails", "family-enums.nested.full-name")
 @pytest.mark.parametrize(
     ("name", "full_name"),
