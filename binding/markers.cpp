@@ -13,10 +13,13 @@ bool set_marker(PyTypeObject *type, PyObject *key, PyObject *value) {
 
 PyObject *as_object(PyTypeObject *type) { return reinterpret_cast<PyObject *>(type); }
 
-// Borrowed; null when the type's own dictionary has no such entry.
+// Borrowed; null, and no error, when the type's own dictionary has no such entry.
 PyObject *marker_of(PyTypeObject *type, PyObject *key) {
     PyObject *const entries = type_dict(type);
-    return entries != nullptr ? PyDict_GetItemWithError(entries, key) : nullptr;
+    PyObject *const marker = entries != nullptr ? PyDict_GetItemWithError(entries, key) : nullptr;
+    // A key of the user's own kind may have refused to be compared.
+    if (marker == nullptr) PyErr_Clear();
+    return marker;
 }
 
 } // namespace

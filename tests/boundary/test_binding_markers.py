@@ -132,6 +132,25 @@ def test_the_host_marker_is_read_of_the_very_type(s):
             assert (record.kind, record.value) == (-7, 0x99)
 
 
+@scene()
+def test_a_key_that_cannot_be_compared_leaves_no_error(s):
+    class Key:
+        def __hash__(self):
+            return hash("_kelmor_clr_host")
+
+        def __eq__(self, other):
+            raise ValueError("no comparison")
+
+    # In place of the marker the dictionary of the type has a key of the same hash.
+    value = type("Odd", (), {Key(): None})()
+    record = s.native.VariantArg(kind=-7, value=0x99)
+    for name in ("refobj_not_null", "gen_not_null", "gen"):
+        convert = s.function(f"fn_conv_py_obj_to_clr_{name}_handle", INT, OBJECT, POINTER)
+        assert convert(value, ctypes.addressof(record)) == 0
+    assert (record.kind, record.value) == (-7, 0x99)
+    assert (s.wrap(s.Sample, 1) == value) is False
+
+
 @scene(
     "binding-markers.test.contains-any",
     "binding-markers.test.contains-error-cleared",
