@@ -31,14 +31,7 @@
 // What a cast entry writes: a handle, or the number of an enumeration in its own width.
 union CastValue {
     void *handle = nullptr;
-    std::int32_t int32;
-    std::uint32_t uint32;
-    std::int16_t int16;
-    std::uint16_t uint16;
-    std::int8_t int8;
-    std::uint8_t uint8;
-    std::int64_t int64;
-    std::uint64_t uint64;
+    std::uint64_t number; // the widest
 };
 
 struct CastOperations {
@@ -75,30 +68,23 @@ PyObject *managed_type_result(void *handle);
 int accept_class_wrapper(PyObject *object, VariantArg *out);
 int accept_any_wrapper(PyObject *object, VariantArg *out);
 
-inline void **cast_slot(CastValue *out, void *) { return &out->handle; }
-inline std::int32_t *cast_slot(CastValue *out, std::int32_t) { return &out->int32; }
-inline std::uint32_t *cast_slot(CastValue *out, std::uint32_t) { return &out->uint32; }
-inline std::int16_t *cast_slot(CastValue *out, std::int16_t) { return &out->int16; }
-inline std::uint16_t *cast_slot(CastValue *out, std::uint16_t) { return &out->uint16; }
-inline std::int8_t *cast_slot(CastValue *out, std::int8_t) { return &out->int8; }
-inline std::uint8_t *cast_slot(CastValue *out, std::uint8_t) { return &out->uint8; }
-inline std::int64_t *cast_slot(CastValue *out, std::int64_t) { return &out->int64; }
-inline std::uint64_t *cast_slot(CastValue *out, std::uint64_t) { return &out->uint64; }
+// The place that an entry writes to.
+template <class Out> Out *cast_slot(CastValue *value) { return reinterpret_cast<Out *>(value); }
 
 // One function for each entry of a host. `Out` is what its cast entries write.
 template <class Host, class Out> struct CastCalls {
     static int type_of(void **out) { return Host::get_instance().btp_TypeOf(out); }
     static int cast_to(const VariantArg *value, CastValue *out) {
-        return Host::get_instance().btp_CastTo(value, cast_slot(out, Out{}));
+        return Host::get_instance().btp_CastTo(value, cast_slot<Out>(out));
     }
     static int reinterpret(void *object, CastValue *out) {
-        return Host::get_instance().btp_ReInterpretObj(object, cast_slot(out, Out{}));
+        return Host::get_instance().btp_ReInterpretObj(object, cast_slot<Out>(out));
     }
     static int cast_as_of_handle(const VariantArg *value, CastValue *out) {
-        return Host::get_instance().btp_CastAs(value->value, cast_slot(out, Out{}));
+        return Host::get_instance().btp_CastAs(value->value, cast_slot<Out>(out));
     }
     static int cast_as_of_variant(const VariantArg *value, CastValue *out) {
-        return Host::get_instance().btp_CastAs(value, cast_slot(out, Out{}));
+        return Host::get_instance().btp_CastAs(value, cast_slot<Out>(out));
     }
     static bool is_assignable_of_handle(const VariantArg *value) {
         return Host::get_instance().btp_IsAssignable(value->value);
@@ -144,7 +130,7 @@ template <class Host, bool (*Invalidate)(), auto ToPy> struct EnumCasts;
 template <class Host, bool (*Invalidate)(), class Number, PyObject *(*ToPy)(Number)>
 struct EnumCasts<Host, Invalidate, ToPy> {
     static PyObject *to_py(const CastValue &value) {
-        return ToPy(*cast_slot(const_cast<CastValue *>(&value), Number{}));
+        return ToPy(*reinterpret_cast<const Number *>(&value));
     }
     static constexpr CastOperations operations() {
         using Calls = CastCalls<Host, Number>;
