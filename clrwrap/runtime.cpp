@@ -28,7 +28,11 @@ bool in_forked_child = false;
 
 void write_error(const char *message) { std::fprintf(stderr, "kelmor: .NET: %s\n", message); }
 
-bool is_simple_name(const char *assembly) { return !std::strpbrk(assembly, ",=\\/\"'"); }
+// A name without properties, of more than blanks.
+bool is_simple_name(const char *assembly) {
+    const bool is_blank = *assembly && !assembly[std::strspn(assembly, " \t\r\n")];
+    return !is_blank && !std::strpbrk(assembly, ",=\\/\"'");
+}
 
 } // namespace
 

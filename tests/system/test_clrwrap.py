@@ -150,6 +150,20 @@ def test_a_failing_start_gives_the_runtimes_code_and_a_line_of_text():
     assert err.endswith(expected)
 
 
+def test_a_runtime_without_its_core_library_refuses_to_start(tmp_path):
+    for file in (RUNTIME / WRAP, REAL_FOLDER / "libcoreclr.so"):
+        shutil.copy(file, tmp_path)
+    out, err = run(
+        f"""
+        runtime = Runtime({str(tmp_path)!r})
+        print(runtime.load(), hex(runtime.initialize()), runtime.is_running())
+        """
+    )
+    assert out == "1 0x80070002 0\n"
+    assert "Failed to load System.Private.CoreLib.dll" in err
+    assert err.endswith(f"kelmor: the .NET runtime in '{tmp_path}' refused to start (0x80070002)\n")
+
+
 def test_a_start_before_the_load_is_refused():
     out, _ = run("print(hex(Runtime().initialize()))")
     assert out == "0x80131022\n"
@@ -268,6 +282,7 @@ FAILURES = {
     "damaged-assembly": (("Damaged", "Start.Entries", "Add"), 0x80070002),
     # The runtime itself would end the process.
     "malformed-assembly": (("Start, Version=x", "Start.Entries", "Add"), 0x80131047),
+    "blank-assembly": ((" \t", "Start.Entries", "Add"), 0x80131047),
 }
 
 
