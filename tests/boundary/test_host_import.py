@@ -6,11 +6,11 @@ import sys
 
 import peer
 import pytest
+from host_programs import ABORTED, ended_by
 from peer import EXCHANGE, OBJECT, STAGE, Script
 
 behaviour = pytest.mark.behaviour
 
-ABORTED = -6
 TRACE = {"COREHOST_TRACE": "1"}
 
 
@@ -47,9 +47,47 @@ def test_nothing_is_traced_before_the_host_starts(in_process):
 @behaviour("host-location.netcore.overflow-ends-process")
 def test_a_folder_with_too_large_a_number_ends_an_import(in_process, installation):
     (installation.runtimes / "netcore99999999999.0").mkdir()
-    outcome = in_process(import_psd, code=ABORTED)
-    assert "terminate called after throwing an instance of 'std::out_of_range'" in outcome.stderr
-    assert "what():  stoi\n" in outcome.stderr
+    assert ended_by(in_process(import_psd, code=None), "std::out_of_range", "stoi")
+
+
+def test_an_import_ends_where_there_is_no_wrap_library(in_process, empty_installation):
+    outcome = in_process(import_psd, code=None)
+    assert ended_by(outcome, "std::runtime_error", "DynamicLibrary::load")
+
+
+@pytest.mark.parametrize("entry", peer.ENTRIES)
+def test_an_import_ends_at_an_entry_that_is_missing(in_process, empty_installation, entry):
+    empty_installation.add_runtime(without=[entry])
+    outcome = in_process(import_psd, code=None)
+    assert ended_by(outcome, "std::runtime_error", f"No such symbol: {entry}")
+    assert outcome.calls == []
+
+
+@pytest.mark.parametrize(
+    ("answers", "kind", "text"),
+    [
+        ({"load": 0}, "std::runtime_error", "init coreclr wap\n"),
+        ({"initialize": -1}, "CoreClrInitException", "coreclr_initialize failed (0xffffffff) [<"),
+    ],
+)
+def test_an_import_ends_with_a_runtime_that_is_refused(in_process, answers, kind, text):
+    def program(answers):
+        import family
+
+        script = Script()
+        for entry, answer in answers.items():
+            script.answer(entry, answer)
+        try:
+            family.Family().complete().psd()
+        except BaseException:
+            return "caught"
+        finally:
+            print("still here", flush=True)
+
+    outcome = in_process(program, answers, code=ABORTED)
+    words = f"terminate called after throwing an instance of '{kind}'\n  what():  {text}"
+    assert words in outcome.stderr
+    assert (outcome.stdout, outcome.value) == ("", None)
 
 
 @behaviour("host-services.lazy.no-class-at-import")

@@ -226,6 +226,66 @@ def test_in_a_forked_child_every_managed_call_is_refused(call):
     assert result.stdout == f"{FORKED}\n4 255\n"
 
 
+def test_a_forked_child_may_end_in_the_usual_way():
+    result = python(
+        """
+        import os, sys
+        from kelmor.psd import Color
+        from kelmor.psd.fileformats.psd import PsdImage
+        images = [PsdImage(4, 4) for _ in range(20)]
+        images.append(images)
+        child = os.fork()
+        if child == 0:
+            sys.exit(3)
+        assert os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 3
+        print(images[0].width, Color.RED.r)
+        """
+    )
+    assert (result.returncode, result.stdout, result.stderr) == (0, "4 255\n", "")
+
+
+def test_a_child_that_is_forked_before_the_start_has_a_runtime_of_its_own():
+    result = python(
+        """
+        import os, sys
+        import kelmor
+        child = os.fork()
+        from kelmor.psd import Color
+        assert Color.RED.r == 255
+        if child == 0:
+            sys.exit(3)
+        assert os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 3
+        """
+    )
+    assert (result.returncode, result.stderr) == (0, "")
+
+
+def test_a_module_that_comes_first_in_a_forked_child_is_refused():
+    result = python(
+        """
+        import os
+        import kelmor.typemodel
+        child = os.fork()
+        try:
+            import kelmor.psd
+        except ImportError as error:
+            while error:
+                reason, error = error, error.__cause__
+            print(type(reason).__name__, reason, flush=True)
+            os._exit(3)
+        assert os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 3
+        from kelmor.psd import Color
+        print(Color.RED.r)
+        """
+    )
+    assert (result.returncode, result.stderr) == (0, ""), result.stderr
+    assert result.stdout == (
+        "TypeError While initializing the host for the 'Kelmor.WrpGen.Interop.ExchangeHost"
+        " (Assembly=WrpInterop.Kelmor.GfxTypes)' type, an error occurred -"
+        " Method 'GetTypeName' not found (error=-2146234333)\n255\n"
+    )
+
+
 def test_a_forked_worker_that_does_without_managed_code_leaves_the_parent_unharmed():
     result = python(
         """

@@ -248,7 +248,7 @@ def test_a_good_import_follows_a_failed_one(leaf):
 @pytest.mark.parametrize("first", ["psd", "typemodel"])
 def test_modules_with_global_symbols_share_nothing(first):
     code = f"""
-    import sys, os
+    import ctypes, sys, os
     sys.setdlopenflags(os.RTLD_NOW | os.RTLD_GLOBAL)
     import kelmor.{first}
     import kelmor.shellbase, kelmor.typemodel, kelmor.gfxtypes, kelmor.shellcommon, kelmor.psd
@@ -257,8 +257,13 @@ def test_modules_with_global_symbols_share_nothing(first):
     assert OfDocuments is not OfDrawing
     assert type(OfDocuments(1, 2, 3, 4).location).__module__ == "kelmor.psd"
     assert type(OfDrawing(1, 2, 3, 4).location).__module__ == "kelmor.gfxtypes"
-    types = [getattr(kelmor, leaf)._ModuleVersionType for leaf in ("psd", "gfxtypes", "shellbase")]
-    assert len(set(types)) == 3
+    leaves = ["shellbase", "typemodel", "gfxtypes", "shellcommon", "psd"]
+    modules = [getattr(kelmor, leaf) for leaf in leaves]
+    assert len({{module._ModuleVersionType for module in modules}}) == 5
+    libraries = [ctypes.PyDLL(module.__file__) for module in modules]
+    for name in ["KelmorDomainName", "HostNotReady", "PyShCastOpResult_New", "PyWrpIdRawIo_Write"]:
+        own = {{ctypes.addressof(ctypes.c_void_p.in_dll(library, name)) for library in libraries}}
+        assert len(own) == 5, name
     """
     result = run(textwrap.dedent(code) + WORK, COREHOST_TRACE="1")
     assert result.returncode == 0, result.stderr
