@@ -62,7 +62,6 @@ def _scalar(c_type: str, unit: str, to_py: str, cs_type: str, py: str) -> Form:
 
 def _block(element: str, count: int, unit: str, back: str, cs_element: str, name: str) -> Form:
     """A fixed block of numbers, passed by its address."""
-    cs_name = name
     return Form(
         local=f"{element} {{v}}[{count}] = {{}};",
         converter=f"fn_conv_py_{unit}",
@@ -70,12 +69,12 @@ def _block(element: str, count: int, unit: str, back: str, cs_element: str, name
         passed="{v}",
         c_param=f"const {element} *",
         cs_param=f"{cs_element}*",
-        cs_read=f"Args.{cs_name}({{v}})",
+        cs_read=f"Args.{name}({{v}})",
         c_result=f"{element}[{count}]",
         by_slot=True,
         c_to_py=f"{back}({{v}})",
         cs_result=f"{cs_element}*",
-        cs_write=f"Results.{cs_name}({{v}}, {{r}})",
+        cs_write=f"Results.{name}({{v}}, {{r}})",
         py_in="",
         py_out="",
     )

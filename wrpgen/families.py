@@ -6,6 +6,7 @@ members that it shares with its interfaces, the types that its validity rests on
 
 from __future__ import annotations
 
+import dataclasses
 import keyword
 from collections import defaultdict
 from dataclasses import dataclass, field
@@ -493,12 +494,11 @@ class Composer:
 
     def _members_of_interface(self, interface: Type) -> list[object]:
         """Members that a derived interface shows: the functions are those of the base one."""
-        from dataclasses import replace
-
-        own = []
-        for item in self._members(Type(**{**interface.__dict__, "interfaces": ()})):
-            own.append(replace(item, owner=interface, shared=True))  # type: ignore[call-overload]
-        return own
+        own = dataclasses.replace(interface, interfaces=())
+        return [
+            dataclasses.replace(item, owner=interface, shared=True)  # type: ignore[type-var]
+            for item in self._members(own)
+        ]
 
     # Families.
 

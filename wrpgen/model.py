@@ -168,6 +168,7 @@ class Extension:
     assembly: str
     root_namespace: str
     modules: tuple[tuple[str, str], ...]  # dotted name and tag, in order, root first
+    hook_folders: tuple[str, ...]  # where packaging hooks lie; none: no function that tells it
     imports: tuple[Capsule, ...]
     exports: tuple[Capsule, ...]
     generics: tuple[GenericTag, ...]
@@ -210,6 +211,7 @@ def load(api: Path, key: str) -> Extension:
         assembly=row["assembly"],
         root_namespace=row["namespace"],
         modules=tuple((name, tag) for name, tag in row["modules"]),
+        hook_folders=tuple(row.get("hook_folders", ())),
         imports=tuple(_capsule(entry, native) for entry in row.get("imports", ())),
         exports=tuple(_capsule(entry, native) for entry in row.get("exports", ())),
         generics=tuple(GenericTag(*entry) for entry in generics),

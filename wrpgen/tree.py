@@ -49,7 +49,6 @@ def write_tree(extension: Extension, families: list[Family]) -> str:
         .render(
             extension=extension,
             modules=_modules(extension, families),
-            root_methods=extension.key == "psd",
         )
     )
     return wrapped(text)

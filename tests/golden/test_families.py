@@ -93,3 +93,15 @@ def test_no_code_line_passes_a_hundred_columns_without_need(generation, key):
             # A comment or one long word cannot be broken.
             longest = max((len(word) for word in line.split()), default=0)
             assert len(line) <= 100 or line.lstrip().startswith("//") or longest > 60, (name, line)
+
+
+
+
+@pytest.mark.parametrize("key", ["psd", "gfxtypes", "typemodel", "harness"])
+def test_only_a_module_with_hook_folders_tells_them(generation, key):
+    from wrpgen import tree
+
+    made = generation(key)
+    text = tree.write_tree(made.extension, made.families)
+    assert ("get_pyinstaller_hook_dirs" in text) == bool(made.extension.hook_folders)
+    assert bool(made.extension.hook_folders) == (key == "psd")
