@@ -57,7 +57,8 @@ int struct_from_py(PyObject *value, VariantArg *out, const VariantConversion &co
     return refuse_value(conversion.name, value);
 }
 
-int interface_from_py(PyObject *value, VariantArg *out, const VariantConversion &conversion) {
+int interface_wrapper_from_py(PyObject *value, VariantArg *out,
+                              const VariantConversion &conversion) {
     const bool none = value == Py_None;
     if (none || Py_IS_TYPE(value, conversion.type)) {
         out->kind = static_cast<int>(HandleKind::class_handle);
@@ -71,9 +72,12 @@ int interface_from_py(PyObject *value, VariantArg *out, const VariantConversion 
         out->value = handle_of(value);
         return 1;
     }
-    if (fn_conv_py_obj_to_clr_gen_not_null_handle(value, out)) {
-        const int assignable = ask_assignable(conversion, out);
-        if (assignable >= 0) return assignable;
-    }
-    return refuse_value(conversion.name, value);
+    if (!fn_conv_py_obj_to_clr_gen_not_null_handle(value, out)) return -1;
+    const int assignable = ask_assignable(conversion, out);
+    return assignable < 0 ? refuse_value(conversion.name, value) : assignable;
+}
+
+int interface_from_py(PyObject *value, VariantArg *out, const VariantConversion &conversion) {
+    const int accepted = interface_wrapper_from_py(value, out, conversion);
+    return accepted < 0 ? refuse_value(conversion.name, value) : accepted;
 }

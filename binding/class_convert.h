@@ -45,6 +45,11 @@ int struct_from_py(PyObject *value, VariantArg *out, const VariantConversion &co
 // None; the exact type; a type that declares the interface; or a wrapper that is asked about.
 int interface_from_py(PyObject *value, VariantArg *out, const VariantConversion &conversion);
 
+// The same for an interface that Python objects may stand for: -1 when the value is neither None
+// nor a wrapper, without an error.
+int interface_wrapper_from_py(PyObject *value, VariantArg *out,
+                              const VariantConversion &conversion);
+
 // TypeError "can't build <name> value from '<type>'"; gives 0.
 int refuse_value(const char *name, PyObject *value);
 

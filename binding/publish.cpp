@@ -27,7 +27,17 @@ bool set_interfaces(Setter set, PyTypeObject *type, PyTypeObject *const *interfa
                row[6], row[7], row[8], row[9], row[10], row[11]);
 }
 
-int mark(const BoundType &row) {
+int show(PyObject *module, const char *module_name, const BoundType &row) {
+    if (row.enclosing == nullptr) return fn_add_type(module, module_name, row.type, row.name);
+    PyObject *const entry = reinterpret_cast<PyObject *>(row.type);
+    if (set_type_entry(row.enclosing, row.name, entry) == 0) return 0;
+    PyShlErr_TypeInitializationInternalError(-1020, row.enclosing->tp_name, row.name);
+    return -1;
+}
+
+} // namespace
+
+int mark_bound_type(const BoundType &row) {
     PyTypeObject *const type = row.type;
     if (!set_interfaces(fn_set_additional_ifcs_markattr, type, row.additional,
                         row.additional_count))
@@ -41,19 +51,9 @@ int mark(const BoundType &row) {
     return 0;
 }
 
-int show(PyObject *module, const char *module_name, const BoundType &row) {
-    if (row.enclosing == nullptr) return fn_add_type(module, module_name, row.type, row.name);
-    PyObject *const entry = reinterpret_cast<PyObject *>(row.type);
-    if (set_type_entry(row.enclosing, row.name, entry) == 0) return 0;
-    PyShlErr_TypeInitializationInternalError(-1020, row.enclosing->tp_name, row.name);
-    return -1;
-}
-
-} // namespace
-
 int publish_bound_type(PyObject *module, const char *module_name, const BoundType &row) {
     PyWrpTypesMap::get_instance()->add(row.managed_name, row.type);
-    if (mark(row) < 0 || show(module, module_name, row) < 0) return -1;
+    if (mark_bound_type(row) < 0 || show(module, module_name, row) < 0) return -1;
     return row.install_members == nullptr ? 0 : row.install_members();
 }
 

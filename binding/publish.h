@@ -22,5 +22,8 @@ struct BoundType {
 // Registers, marks and publishes a type that is ready. 0, or -1 with the numbered error set.
 int publish_bound_type(PyObject *module, const char *module_name, const BoundType &row);
 
+// Marks a type with its interfaces, as host and as castable. 0, or -1 with the numbered error set.
+int mark_bound_type(const BoundType &row);
+
 // Readies types in order, bases before what derives from them. 0, or -1 with the error set.
 int ready_bound_types(PyTypeObject *const *types, std::size_t count);

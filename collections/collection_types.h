@@ -29,10 +29,8 @@ constexpr PyTypeObject collection_wrapper_type(const WrapperType &row,
 // subtype; a class wrapper that is asked about; a list (kind 2); a sequence with a length (kind 3).
 int array_like_from_py(PyObject *value, VariantArg *out, const ClassConversion &conversion);
 
-// The first steps of the interface converters: 1 accepted, 0 an error is set, -1 not a wrapper and
-// not None, so that Python forms may follow.
-int interface_wrapper_from_py(PyObject *value, VariantArg *out,
-                              const VariantConversion &conversion);
+// A managed object by its handle, null for None. Gives 1.
+int pass_handle(void *handle, VariantArg *out);
 
 // The kind tells the managed side that `value` is the Python object itself, borrowed. Gives 1.
 int pass_python_object(PyObject *value, CollectionKind kind, VariantArg *out);

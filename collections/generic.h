@@ -1,70 +1,13 @@
 // What a generated instance of a managed collection is made of: element form, hosts, slots.
 //
-// Generated for the tag 0D30925B, an array and an iterator of Layer:
-//
-//     using Element_0D30925B = ClassElement<wrpPy_conv_py_to_clr_8D6FBABB_Layer,
-//                                           wrpPy_conv_clr_to_py_8D6FBABB_Layer>;
-//
-//     class PyHost_gn_Array_0D30925B : public GenericArrayHost<Element_0D30925B> {
-//     public:
-//         static PyHost_gn_Array_0D30925B &get_instance() {
-//             static PyHost_gn_Array_0D30925B host;
-//             return host;
-//         }
-//     private:
-//         PyHost_gn_Array_0D30925B()
-//             : SlotHost("Kelmor.WrpGen.Generic.SiApiArray_0D30925B") {}
-//     };
-//     // likewise PyHost_gn_Iter_0D30925B : GenericIterHost<Element_0D30925B>, and where the tag
-//     has
-//     // them GenericIterableHost ("...SiApiEnumerable_<tag>") and GenericListHost ("SiApiList_")
-//
-//     static const PyHostState &array_state_0D30925B() {
-//         static const PyHostState state = aggregate_host_state(
-//             PyHost_gn_Array_0D30925B::get_instance(),
-//             {wrpPye_bltp_array_is_not_valid});     // and the tag's own iterable, if any
-//         return state;
-//     }
-//
-//     static constexpr ListOperations array_0D30925B =
-//         array_operations<PyHost_gn_Array_0D30925B>();       // list: array_list_operations
-//     static PyObject *wrpPygn_bltp_0D30925B_array_mp_subscript(PyObject *self, PyObject *key) {
-//         return list_mp_subscript(array_0D30925B, self, key); // one line each, list_operations.h
-//     }
-//     static PyObject *wrpPygn_bltp_0D30925B_array_iter(PyObject *self) {
-//         // of a tag with an iterable: iterate<PyHost_gn_Iterable_<tag>>
-//         return iterate<PyHost_ph_Iterable>(self, &wrpPygn_tyds_IterWrapper_0D30925B);
-//     }
-//     static PyObject *wrpPygn_bltp_0D30925B_iter_iternext(PyObject *self) {
-//         return next_item<PyHost_gn_Iter_0D30925B>(self);
-//     }
-//     int wrpPygn_conv_py_to_clr_array_0D30925B(PyObject *value, VariantArg *out) {
-//         static constexpr ClassConversion conversion = {
-//             "Array", &wrpPygn_tyds_ArrayWrapper_0D30925B, invalidate_array_0D30925B,
-//             class_is_assignable<PyHost_gn_Array_0D30925B>};
-//         return array_like_from_py(value, out, conversion);
-//     }
-//     int fn_clbk_pylist_0D30925B_get_item(PyObject *list, int index, void **out) {
-//         return pylist_get_item<Element_0D30925B>(list, index, out);
-//     }
-//     int fn_clbk_pyseq_0D30925B_get_item(PyObject *sequence, int index, PyObject **keep,
-//                                         void **out) {
-//         return pyseq_get_item<Element_0D30925B>(sequence, index, keep, out);
-//     }
-//     static void *m_pygn_pylist_0D30925B_callbacks[] = {
-//         reinterpret_cast<void *>(fn_clbk_pylist_0D30925B_get_item)};
-//
-//     constinit PyTypeObject wrpPygn_tyds_ArrayWrapper_0D30925B = collection_wrapper_type(
-//         {.name = "kelmor.psd._wrpgen._generic._ArrayWrapper_0D30925B", .create = ...,
-//          .methods = ..., .properties = ..., .base = &wrpPye_tyds_ArrayWrapper},
-//         {.sequence = &..., .mapping = &..., .iterate = wrpPygn_bltp_0D30925B_array_iter});
-//
-// Casts: of arrays and lists class_casts<Host, invalidate, wrap_handle_as<&type>>, of iterators and
-// iterables interface_casts<Host, invalidate, &type> with refuse_reinterpretation. An iterator has
-// __enter__ and __exit__ of the disposable. Publishing: publish_wrapper_type, with the interfaces
-//     array, list: iterable, collection, list wrappers, and the tag's own iterable, if any
-//     iterator:    &wrpPye_tyds_IterWrapper, &wrpPye_tyds_IDisposableWrapper
-//     iterable:    &wrpPye_tyds_IterableWrapper
+// An instance is generated for each tag (tests/golden/expected/ArrayOfSquare.cpp.txt is one): an
+// element policy of element_forms.h, a host for each shape of collection_hosts.h, slots and methods
+// of one line each over a table of list_operations.h, and the two callbacks below. For its validity
+// an array or list refers to the untyped wrapper and, if the tag has one, to its own iterable. Its
+// interfaces are
+//     array, list: iterable, collection and list wrappers, and the tag's own iterable
+//     iterator:    iterator and disposable wrappers
+//     iterable:    iterable wrapper
 #pragma once
 
 #include "binding/casts.h"

@@ -18,16 +18,7 @@ namespace {
 
 using Valid = Validity<PyHost_ph_ICol, wrpPye_bltp_iterable_is_not_valid>;
 
-constexpr ListOperations collection_operations() {
-    using Host = HostOperations<PyHost_ph_ICol>;
-    ListOperations collection{};
-    collection.convert = Host::convert;
-    collection.length = Host::length;
-    collection.contains = Host::contains;
-    collection.count_of = Host::count_of;
-    return collection;
-}
-constexpr ListOperations operations = collection_operations();
+constexpr ListOperations operations = collection_table<HostOperations<PyHost_ph_ICol>>();
 
 bool refuse_elements(const char *text) {
     if (!PyErr_Occurred()) PyErr_SetString(PyExc_ValueError, text);

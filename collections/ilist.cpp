@@ -37,27 +37,7 @@ struct InterfaceOperations : HostOperations<PyHost_ph_IList> {
     }
 };
 
-constexpr ListOperations operations = {InterfaceOperations::convert,
-                                       InterfaceOperations::length,
-                                       InterfaceOperations::contains,
-                                       InterfaceOperations::count_of,
-                                       InterfaceOperations::fetch,
-                                       InterfaceOperations::get_item,
-                                       InterfaceOperations::set_item,
-                                       InterfaceOperations::set_item_nocheck,
-                                       InterfaceOperations::set_items,
-                                       InterfaceOperations::reverse,
-                                       InterfaceOperations::sort,
-                                       InterfaceOperations::index_by,
-                                       InterfaceOperations::add,
-                                       InterfaceOperations::insert,
-                                       InterfaceOperations::remove,
-                                       InterfaceOperations::remove_at,
-                                       InterfaceOperations::pop,
-                                       InterfaceOperations::clear,
-                                       InterfaceOperations::inplace_concat,
-                                       InterfaceOperations::inplace_repeat,
-                                       InterfaceOperations::remove_items};
+constexpr ListOperations operations = list_table<InterfaceOperations>();
 
 Py_ssize_t wrpPye_bltp_ilist_sq_length(PyObject *self) { return list_sq_length(operations, self); }
 

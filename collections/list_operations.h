@@ -161,13 +161,18 @@ template <class Host> struct HostOperations {
     }
 };
 
-template <class Host> constexpr ListOperations array_operations() {
-    using O = HostOperations<Host>;
+// The tables over the functions of `O`, each beginning with the one before.
+template <class O> constexpr ListOperations collection_table() {
     ListOperations list{};
     list.convert = O::convert;
     list.length = O::length;
     list.contains = O::contains;
     list.count_of = O::count_of;
+    return list;
+}
+
+template <class O> constexpr ListOperations array_table() {
+    ListOperations list = collection_table<O>();
     list.fetch = O::fetch;
     list.get_item = O::get_item;
     list.set_item = O::set_item;
@@ -179,9 +184,8 @@ template <class Host> constexpr ListOperations array_operations() {
     return list;
 }
 
-template <class Host> constexpr ListOperations array_list_operations() {
-    using O = HostOperations<Host>;
-    ListOperations list = array_operations<Host>();
+template <class O> constexpr ListOperations list_table() {
+    ListOperations list = array_table<O>();
     list.add = O::add;
     list.insert = O::insert;
     list.remove = O::remove;
@@ -192,4 +196,11 @@ template <class Host> constexpr ListOperations array_list_operations() {
     list.inplace_repeat = O::inplace_repeat;
     list.remove_items = O::remove_items;
     return list;
+}
+
+template <class Host> constexpr ListOperations array_operations() {
+    return array_table<HostOperations<Host>>();
+}
+template <class Host> constexpr ListOperations array_list_operations() {
+    return list_table<HostOperations<Host>>();
 }

@@ -15,12 +15,6 @@ int refuse_stream(PyObject *value) {
     return 0;
 }
 
-int pass_handle(void *handle, VariantArg *out) {
-    out->kind = static_cast<int>(CollectionKind::handle);
-    out->value = handle;
-    return 1;
-}
-
 int is_instance_of(PyObject *value, const char *module, PyObject *name) {
     const Ref type = Ref::steal(PyShImport_ImportType(module, name));
     return type ? PyObject_IsInstance(value, type.get()) : -1;
