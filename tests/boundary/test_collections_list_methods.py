@@ -363,6 +363,23 @@ def test_extension(s):
         assert text_of(ValueError, m.extend, lazy) == "argument must be iterable"
 
 
+@scene("collections-lists.extend.managed-bulk", "collections-lists.setslice.managed-bulk")
+def test_a_wrapper_of_a_sibling_is_taken_at_once_too(s):
+    members = {"__slots__": ("handle",), "_kelmor_clr_host": None, "__len__": lambda self: 2}
+    other = type("Foreign", (), {**members, "__getitem__": lambda self, i: "pq"[i]})()
+    other.handle = None  # the address of None stands where a wrapper has its handle
+    for kind in growing():
+        m = managed(s, kind, "abc")
+        for entry in ("SqInplaceConcat", "MpSetItems"):
+            s.method(entries(kind), entry).reset().shows(1, 16).returns(1)
+        s.clear()
+        m.extend(other)
+        m[0:2] = other
+        for entry in ("SqInplaceConcat", "MpSetItems"):
+            assert [variant(part[0]) for part in s.memory(entry)] == [(0, id(None))]
+        assert s.calls() == ["SqInplaceConcat", "SqLength", "MpSetItems"]
+
+
 @scene(
     "collections-lists.inplace-repeat.call",
     "collections-lists.inplace-repeat.negative",
