@@ -3,13 +3,14 @@
 import ctypes
 import os
 
-from peer import Script
+from peer import WRAP, Script
 
 EXECUTABLE = os.readlink(f"/proc/{os.getpid()}/exe")
 EXECUTABLE_FOLDER = os.path.dirname(EXECUTABLE)
 RUNTIME_VARIABLE = "NETCORE_WRAPPER_NETCORE_DIR_kelmor"
 ASSEMBLY_VARIABLE = "NETCORE_WRAPPER_ASSEMBLY_DIR_kelmor"
 ABORTED = -6
+TRACE = {"COREHOST_TRACE": "1"}
 MISSING = 0x80131513 - 2**32
 
 LOAD, INITIALIZE = "coreclr_wrap_load", "coreclr_wrap_initialize"
@@ -74,3 +75,32 @@ def folders_of(outcome):
 
 def lines(*texts):
     return "".join(f"{text}\r\n" for text in texts)
+
+
+def diary(folder, assemblies=()):
+    """The lines of a first load; a start that fails writes those up to its failure."""
+    folders = ":".join(map(str, [*assemblies, folder]))
+    return [
+        "CLR host tracing enabled",
+        "Initializing .NET Core host...",
+        f"NETCORE_DIR: '{folder}'",
+        f"PRODUCT_ASSEMBLY_DIR: '{folders}'",
+        f"Loading: '{folder}/{WRAP}'",
+        "Try get module...",
+        "No existed module...",
+        "wrap dll loaded",
+        f"Loading2: '{folder}/libcoreclr.so'",
+        ".NET Core host ready.",
+        "Creating default AppDomain...",
+        f"APP_PATH: '{folders}'",
+        f"APP_NI_PATHS: '{folders}'",
+        f"NATIVE_DLL_SEARCH_DIRECTORIES: '{folders}'",
+        f"HOST_EXE_PATH: '{EXECUTABLE}'",
+        "Default AppDomain ready.",
+    ]
+
+
+def diary_up_to(last, folder, assemblies=()):
+    whole = diary(folder, assemblies)
+    (end,) = [place for place, line in enumerate(whole) if line.startswith(last)]
+    return lines(*whole[: end + 1])

@@ -6,12 +6,10 @@ import sys
 
 import peer
 import pytest
-from host_programs import ABORTED, ended_by
+from host_programs import ABORTED, TRACE, ended_by
 from peer import EXCHANGE, OBJECT, STAGE, Script
 
 behaviour = pytest.mark.behaviour
-
-TRACE = {"COREHOST_TRACE": "1"}
 
 
 def import_psd():

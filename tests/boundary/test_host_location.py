@@ -10,6 +10,7 @@ from host_programs import (
     LOAD,
     RUNTIME_VARIABLE,
     SHUTDOWN,
+    TRACE,
     ended_by,
     folders_of,
     start,
@@ -27,7 +28,7 @@ behaviour = pytest.mark.behaviour
 def test_the_runtime_folder_is_the_highest_version_below_the_variable(in_process, installation):
     installation.add_runtime("netcore9.9")
     folder = str(installation.runtimes / "netcore10.0")
-    outcome = in_process(start, environment={"COREHOST_TRACE": "1"})
+    outcome = in_process(start, environment=TRACE)
     assert outcome.entry(LOAD)["path"] == f"{folder}/libcoreclr.so"
     assert f"Loading: '{folder}/{WRAP}'\r\n" in outcome.stdout
 
@@ -87,12 +88,11 @@ def test_a_debug_start_still_searches_the_release_library(in_process, empty_inst
 def test_a_debug_start_loads_the_debug_library(in_process, empty_installation):
     folder = empty_installation.add_runtime("netcore10.0", (WRAP, DEBUG_WRAP))
     arguments = (None, None, ("", ""), "kelmor", True)
-    environment = {"COREHOST_TRACE": "1"}
-    outcome = in_process(start_from, *arguments, environment=environment)
+    outcome = in_process(start_from, *arguments, environment=TRACE)
     assert f"Loading: '{folder}/{DEBUG_WRAP}'\r\n" in outcome.stdout
     assert outcome.calls == [LOAD, INITIALIZE, SHUTDOWN]
     (folder / DEBUG_WRAP).unlink()
-    outcome = in_process(start_from, *arguments, code=None, environment=environment)
+    outcome = in_process(start_from, *arguments, code=None, environment=TRACE)
     assert f"Loading: '{folder}/{DEBUG_WRAP}'\r\n" in outcome.stdout
     assert ended_by(outcome, "std::runtime_error", "DynamicLibrary::load")
 

@@ -14,7 +14,10 @@ from host_programs import (
     MISSING,
     QUERY,
     SHUTDOWN,
+    TRACE,
     attach,
+    diary,
+    diary_up_to,
     ended_by,
     folders_of,
     lines,
@@ -22,39 +25,9 @@ from host_programs import (
     start_from,
     start_with,
 )
-from peer import ENTRIES, WRAP, Script, report, wrap_library
+from peer import ENTRIES, WRAP, Script, wrap_library
 
 behaviour = pytest.mark.behaviour
-TRACE = {"COREHOST_TRACE": "1"}
-
-
-def diary(folder, assemblies=()):
-    """The lines of a first load; a start that fails writes those up to its failure."""
-    folders = ":".join(map(str, [*assemblies, folder]))
-    return [
-        "CLR host tracing enabled",
-        "Initializing .NET Core host...",
-        f"NETCORE_DIR: '{folder}'",
-        f"PRODUCT_ASSEMBLY_DIR: '{folders}'",
-        f"Loading: '{folder}/{WRAP}'",
-        "Try get module...",
-        "No existed module...",
-        "wrap dll loaded",
-        f"Loading2: '{folder}/libcoreclr.so'",
-        ".NET Core host ready.",
-        "Creating default AppDomain...",
-        f"APP_PATH: '{folders}'",
-        f"APP_NI_PATHS: '{folders}'",
-        f"NATIVE_DLL_SEARCH_DIRECTORIES: '{folders}'",
-        f"HOST_EXE_PATH: '{EXECUTABLE}'",
-        "Default AppDomain ready.",
-    ]
-
-
-def diary_up_to(last, folder, assemblies=()):
-    whole = diary(folder, assemblies)
-    (end,) = [place for place, line in enumerate(whole) if line.startswith(last)]
-    return lines(*whole[: end + 1])
 
 
 @pytest.fixture
@@ -438,129 +411,3 @@ def test_of_several_missing_entries_the_first_is_named(in_process, empty_install
 def test_an_attaching_module_does_not_look_for_the_load_entry(in_process, empty_installation):
     folder = empty_installation.add_runtime(without=[LOAD])
     assert in_process(attach, str(folder), 1).value == 1
-
-
-# The end.
-
-
-@behaviour("host-start.shutdown.result-only-traced")
-@pytest.mark.parametrize("result", [0, 1, -2146233309])
-def test_the_answer_to_the_shutdown_changes_nothing(in_process, result):
-    def program(result):
-        import native
-
-        script = Script()
-        script.answer("shutdown", result)
-        native.start_host()
-        return native.function("host_try_shutdown_default_app_domain")()
-
-    assert in_process(program, result).value == 0
-    assert in_process(start_with, {"shutdown": result}).calls[-1] == SHUTDOWN
-
-
-@behaviour("host-start.shutdown.twice")
-def test_the_runtime_is_shut_down_once(in_process):
-    def program():
-        import native
-
-        Script()
-        native.start_host()
-        shutdown = native.function("host_try_shutdown_default_app_domain")
-        return [shutdown(), shutdown(), native.function("host_domain_initialized")()]
-
-    outcome = in_process(program)
-    assert outcome.value == [0, -1, 0]
-    assert outcome.calls.count(SHUTDOWN) == 1
-
-
-@behaviour("host-start.shutdown.not-first-load")
-def test_an_attached_module_does_not_shut_down(in_process, installation):
-    def program(runtime):
-        import native
-
-        script = Script()
-        ctypes.CDLL(f"{runtime}/libkelmor.embed.coreclrwrap.so", mode=ctypes.RTLD_GLOBAL)
-        script.answer("is_domain_initialized", 1)
-        native.start_host()
-        ready = native.function("host_domain_initialized")
-        before = ready()
-        return [before, native.function("host_try_shutdown_default_app_domain")(), ready()]
-
-    runtime = str(installation.runtimes / "netcore10.0")
-    outcome = in_process(program, runtime, environment=TRACE)
-    assert outcome.value == [1, -1, 0]
-    assert outcome.calls == [QUERY]
-    assert outcome.stdout.endswith(".NET Core host ready.\r\n")
-    # Nor does it when its own destructor finds the domain still there.
-    assert in_process(attach, runtime, 1).calls == [QUERY]
-
-
-@behaviour("host-start.shutdown.after-hosts")
-def test_the_shutdown_is_the_last_that_the_peer_sees(in_process):
-    def program():
-        import native
-
-        Script()
-        native.start_services()
-        native.function("exchange_free_instance", None, ctypes.c_void_p)(1)
-
-    outcome = in_process(program)
-    assert outcome.calls[-2:] == ["delegate", SHUTDOWN]
-    assert outcome.calls.count(SHUTDOWN) == 1
-
-
-@behaviour("host-start.shutdown.registration")
-def test_the_end_of_the_extension_ends_the_runtime(in_process):
-    def program():
-        import kelmor_probe
-        import native
-
-        script = Script()
-        native.start_host()
-        # Two references: the interpreter's and the one that finds it.
-        library = ctypes.CDLL(kelmor_probe.__file__)
-        ctypes.pythonapi.Py_IncRef(ctypes.py_object(kelmor_probe))
-        close = ctypes.CDLL(None).dlclose
-        close.argtypes = [ctypes.c_void_p]
-        close(library._handle)
-        close(library._handle)
-        gone = not any("kelmor_probe" in line for line in open("/proc/self/maps"))
-        calls = script.calls
-        report([gone, calls])
-        os._exit(0)
-
-    gone, calls = in_process(program).value
-    assert gone
-    assert calls == [LOAD, INITIALIZE, SHUTDOWN]
-
-
-@behaviour("host-platform.trace.no-stderr")
-def test_the_diary_reaches_standard_output_alone(in_process):
-    def program():
-        import native
-
-        Script()
-        native.start_services()
-
-    outcome = in_process(program, environment=TRACE)
-    assert outcome.stdout.startswith("CLR host tracing enabled\r\n")
-    assert outcome.stderr == ""
-
-
-def test_a_forked_child_is_told(in_process):
-    def program():
-        import native
-
-        Script()
-        in_child = native.function("host_in_forked_child")
-        before = os.fork()
-        if before == 0:
-            os._exit(in_child())  # no runtime yet: a child may start one of its own
-        native.start_host()
-        after = os.fork()
-        if after == 0:
-            os._exit(in_child())
-        codes = [os.WEXITSTATUS(os.waitpid(child, 0)[1]) for child in (before, after)]
-        return codes + [in_child()]
-
-    assert in_process(program).value == [0, 1, 0]
