@@ -8,10 +8,10 @@ import signal
 import subprocess
 import sys
 import textwrap
-import time
 
 import pytest
 import wrap_driver
+from interrupting import interrupted
 from wrap_driver import RUNTIME, WRAP
 
 behaviour = pytest.mark.behaviour
@@ -414,30 +414,13 @@ def test_the_runtimes_threads_leave_signals_to_the_main_thread():
     assert out == "True True\n"
 
 
-def interrupt(code, sent, delay=0.2):
-    """Starts a script, waits for its line "ready" and sends the signal; gives code and words."""
-    child = subprocess.Popen(
-        [sys.executable, "-c", PREAMBLE + textwrap.dedent(code)],
-        stdin=subprocess.PIPE,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.PIPE,
-        text=True,
-    )
-    try:
-        assert child.stdout.readline() == "ready\n"
-        time.sleep(delay)
-        begin = time.monotonic()
-        child.send_signal(sent)
-        child.wait(timeout=60)
-        return child.returncode, child.stderr.read(), time.monotonic() - begin
-    finally:
-        child.kill()
-        child.communicate()
+def signalled(code, sent):
+    return interrupted(PREAMBLE + textwrap.dedent(code), sent)
 
 
 @pytest.mark.parametrize("wait", ["time.sleep(60)", "os.read(0, 1)"])
 def test_ctrl_c_interrupts_a_wait_at_once(wait):
-    code, words, seconds = interrupt(
+    code, seconds, words = signalled(
         f"Runtime().start()\nprint('ready', flush=True)\n{wait}", signal.SIGINT
     )
     assert code == -signal.SIGINT
@@ -446,7 +429,7 @@ def test_ctrl_c_interrupts_a_wait_at_once(wait):
 
 
 def test_ctrl_c_is_seen_after_a_long_managed_call(assembly):
-    code, words, seconds = interrupt(
+    code, seconds, words = signalled(
         f"""
         spin = Runtime().start({str(assembly)!r}).entry("Spin", ctypes.c_int)
         print("ready", flush=True)
@@ -461,7 +444,7 @@ def test_ctrl_c_is_seen_after_a_long_managed_call(assembly):
 
 
 def test_sigterm_ends_the_process():
-    code, words, _ = interrupt(
+    code, _, words = signalled(
         "Runtime().start()\nprint('ready', flush=True)\ntime.sleep(60)", signal.SIGTERM
     )
     assert (code, words) == (-signal.SIGTERM, "")

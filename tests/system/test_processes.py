@@ -6,9 +6,9 @@ import signal
 import subprocess
 import sys
 import textwrap
-import time
 
 import pytest
+from interrupting import interrupted
 
 FORKED = "managed code cannot be called in a forked child process"
 
@@ -22,27 +22,6 @@ def python(code, **options):
         timeout=120,
         **options,
     )
-
-
-def interrupted(code, sent, delay=0.3):
-    """Starts a script, waits for its line "ready", sends the signal; gives exit and seconds."""
-    child = subprocess.Popen(
-        [sys.executable, "-c", textwrap.dedent(code)],
-        stdin=subprocess.PIPE,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.PIPE,
-        text=True,
-    )
-    try:
-        assert child.stdout.readline() == "ready\n", child.stderr.read()
-        time.sleep(delay)
-        start = time.monotonic()
-        child.send_signal(sent)
-        child.wait(timeout=60)
-        return child.returncode, time.monotonic() - start, child.stdout.read() + child.stderr.read()
-    finally:
-        child.kill()
-        child.communicate()
 
 
 WAITS = {
