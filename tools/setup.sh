@@ -5,7 +5,8 @@ set -eu
 packages='make cmake ninja-build g++ ccache git python3-dev python3-jinja2 python3-pytest
  python3-pytest-xdist python3-pytest-timeout python3-hypothesis python3-exceptiongroup
  python3-tomli python3-psd-tools googletest
- libpng-dev libdeflate-dev zlib1g-dev clang-format black python3-flake8 pngcheck imagemagick'
+ libpng-dev libdeflate-dev zlib1g-dev clang-format black mypy python3-flake8 pngcheck
+ imagemagick'
 
 sdk=10
 

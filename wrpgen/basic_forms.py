@@ -270,10 +270,20 @@ BASIC: dict[str, Form] = {
         "Any",
     ),
     "System.IO.Stream": _runtime(
-        "stream", "Stream", BY_ABSTRACT, "StreamWrapper", "IO[bytes]", "IO[bytes]"
+        "stream",
+        "Stream",
+        BY_ABSTRACT,
+        "StreamWrapper",
+        "_interop._Stream",
+        "_interop._StreamWrapper",
     ),
     "System.Collections.IList": _runtime(
-        "ilist", "List", BY_INTERFACE, "IListWrapper", "Sequence[Any]", "list[Any]"
+        "ilist",
+        "List",
+        BY_INTERFACE,
+        "IListWrapper",
+        "Sequence[Any]",
+        "_interop._IListWrapper[Any]",
     ),
     "System.Collections.ICollection": _runtime(
         "icollection",
@@ -281,7 +291,7 @@ BASIC: dict[str, Form] = {
         BY_INTERFACE,
         "IColWrapper",
         "Collection[Any]",
-        "Collection[Any]",
+        "_interop._IColWrapper[Any]",
     ),
     "System.Collections.IEnumerable": _runtime(
         "iterable",
@@ -303,7 +313,13 @@ BASIC: dict[str, Form] = {
         "Any",
     ),
     "System.Array": _runtime(
-        "array", "Array", BY_CLASS, "ArrayWrapper", "Sequence[Any]", "Sequence[Any]", AS_CLASS
+        "array",
+        "Array",
+        BY_CLASS,
+        "ArrayWrapper",
+        "Sequence[Any]",
+        "_interop._ArrayWrapper[Any]",
+        AS_CLASS,
     ),
     "System.Collections.ArrayList": _runtime(
         "arrlist",
@@ -311,7 +327,7 @@ BASIC: dict[str, Form] = {
         BY_CLASS,
         "ArrListWrapper",
         "Sequence[Any]",
-        "list[Any]",
+        "_interop._ArrListWrapper[Any]",
         AS_CLASS,
     ),
     "System.Collections.CollectionBase": _runtime(
@@ -320,7 +336,7 @@ BASIC: dict[str, Form] = {
         BY_CLASS,
         "ColBaseWrapper",
         "Sequence[Any]",
-        "list[Any]",
+        "_interop._ColBaseWrapper[Any]",
         AS_CLASS,
     ),
     "System.Collections.ReadOnlyCollectionBase": _runtime(
@@ -329,7 +345,7 @@ BASIC: dict[str, Form] = {
         BY_CLASS,
         "RoColBaseWrapper",
         "Sequence[Any]",
-        "Collection[Any]",
+        "_interop._RoColBaseWrapper[Any]",
         AS_CLASS,
     ),
 }

@@ -228,7 +228,7 @@ class Forms:
             untyped,
             cs_read=reader,
             py_in=f"Sequence[{inner.py_in}]",
-            py_out=f"Sequence[{inner.py_out}]",
+            py_out=f"_interop._ArrayWrapper[{inner.py_out}]",
         )
         if row is None:
             return form

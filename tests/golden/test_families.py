@@ -56,7 +56,7 @@ def test_the_stubs_are_as_reviewed(generation):
     made = generation("harness")
     chosen = ("ShapeBase", "Square", "Pair", "WidthUInt64", "IShape")
     families = [f for f in made.families if f.type.name in chosen]
-    (text,) = stubs.write(made.extension, families).values()
+    text = stubs.write(made.extension, families)["kelmor/harness/__init__.pyi"]
     hold("harness.pyi", text)
 
 
@@ -93,8 +93,6 @@ def test_no_code_line_passes_a_hundred_columns_without_need(generation, key):
             # A comment or one long word cannot be broken.
             longest = max((len(word) for word in line.split()), default=0)
             assert len(line) <= 100 or line.lstrip().startswith("//") or longest > 60, (name, line)
-
-
 
 
 @pytest.mark.parametrize("key", ["psd", "gfxtypes", "typemodel", "harness"])
