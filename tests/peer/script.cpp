@@ -4,7 +4,9 @@
 #include "peer/journal.h"
 #include "peer/stub.h"
 
+#include <cstring>
 #include <deque>
+#include <dlfcn.h>
 #include <map>
 #include <string>
 
@@ -61,6 +63,14 @@ void *delegate_for(const char *assembly, const char *type, const char *method) {
     return stub->function;
 }
 
+// The file name of the library that an address lies in, or null.
+const char *library_at(const void *address) {
+    Dl_info info;
+    if (!dladdr(address, &info) || !info.dli_fname) return nullptr;
+    const char *const slash = std::strrchr(info.dli_fname, '/');
+    return slash ? slash + 1 : info.dli_fname;
+}
+
 } // namespace
 
 void peer_answer(const char *entry, int answer) { script().answers[entry] = answer; }
@@ -89,7 +99,7 @@ int peer_on_load(const char *libcoreclr_path) {
 }
 
 int peer_on_initialize(const char *exe_path, const char *domain_name, int property_count,
-                       const char **keys, const char **values) {
+                       const char **keys, const char **values, const void *caller) {
     const int answer = answer_of("initialize", 0);
     if (answer == 0) script().running = true;
     JournalLine("coreclr_wrap_initialize")
@@ -98,6 +108,7 @@ int peer_on_initialize(const char *exe_path, const char *domain_name, int proper
         .number("property_count", property_count)
         .texts("keys", keys, property_count)
         .texts("values", values, property_count)
+        .text("caller", library_at(caller))
         .number("answer", answer)
         .write();
     return answer;
@@ -124,10 +135,13 @@ int peer_on_create_delegate(const char *assembly, const char *type, const char *
     return code;
 }
 
-int peer_on_shutdown() {
+int peer_on_shutdown(const void *caller) {
     const int answer = answer_of("shutdown", 0);
     script().running = false;
-    JournalLine("coreclr_wrap_shutdown").number("answer", answer).write();
+    JournalLine("coreclr_wrap_shutdown")
+        .text("caller", library_at(caller))
+        .number("answer", answer)
+        .write();
     return answer;
 }
 

@@ -61,13 +61,14 @@ void peer_stub_invoke(Stub *stub, void *function, std::uint64_t first, std::uint
 // At each call, last of all.
 void peer_stub_call(Stub *stub, StubFunction function);
 
-// The five entries of the wrap library, which only forwards to these.
+// The five entries of the wrap library, which only forwards to these. `caller`: an address in the
+// library that starts or ends the runtime, whose name the journal shows.
 int peer_on_load(const char *libcoreclr_path);
 int peer_on_initialize(const char *exe_path, const char *domain_name, int property_count,
-                       const char **keys, const char **values);
+                       const char **keys, const char **values, const void *caller);
 int peer_on_create_delegate(const char *assembly, const char *type, const char *method,
                             void **result);
-int peer_on_shutdown();
+int peer_on_shutdown(const void *caller);
 int peer_on_is_domain_initialized();
 }
 #pragma GCC visibility pop

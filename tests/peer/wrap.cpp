@@ -9,7 +9,8 @@ PEER_ENTRY int coreclr_wrap_load(const char *libcoreclr_path) {
 
 PEER_ENTRY int coreclr_wrap_initialize(const char *exe_path, const char *domain_name,
                                        int property_count, const char **keys, const char **values) {
-    return peer_on_initialize(exe_path, domain_name, property_count, keys, values);
+    return peer_on_initialize(exe_path, domain_name, property_count, keys, values,
+                              __builtin_return_address(0));
 }
 
 PEER_ENTRY int coreclr_wrap_create_delegate(const char *assembly, const char *type,
@@ -17,6 +18,6 @@ PEER_ENTRY int coreclr_wrap_create_delegate(const char *assembly, const char *ty
     return peer_on_create_delegate(assembly, type, method, result);
 }
 
-PEER_ENTRY int coreclr_wrap_shutdown() { return peer_on_shutdown(); }
+PEER_ENTRY int coreclr_wrap_shutdown() { return peer_on_shutdown(__builtin_return_address(0)); }
 
 PEER_ENTRY int coreclr_wrap_is_domain_initialized() { return peer_on_is_domain_initialized(); }
