@@ -222,7 +222,7 @@ def test_children_stand_before_enumerations_and_those_before_classes(tree):
     assert {("module", "enum"), ("enum", "type")} <= seen
 
 
-@behaviour("shell-tree.leaf.enum-short-name")
+@behaviour("shell-tree.leaf.enum-short-name", "family-enums.module.attribute")
 def test_enumerations_go_by_their_short_names(tree):
     assert "XmpArrayType" in tree["kelmor.psd.xmp"]["enums"]
     for path, module in tree.items():

@@ -251,7 +251,7 @@ STEPS = [
     pytest.param(
         ("PyModule_AddObject", "XmpArrayType", -1),
         "Type initialization internal error (-1014) <kelmor.psd.xmp,XmpArrayType>",
-        marks=behaviour("shell-tree.leaf.enum-add-failure"),
+        marks=behaviour("shell-tree.leaf.enum-add-failure", "family-enums.module.attribute"),
         id="add-enum",
     ),
     pytest.param(
