@@ -6,6 +6,8 @@ For use inside of a program that runs in a process of its own.
 import ctypes
 import importlib
 import mmap
+import re
+import subprocess
 import sys
 import types
 
@@ -289,3 +291,16 @@ def extension_path(leaf="psd", folder=None):
 
 def interposed(script, leaf="psd"):
     return Interposer(script, extension_path(leaf))
+
+
+def symbols_of(path):
+    """Addresses of the functions and data of a loaded module, by name; overloads by signature."""
+    rows = subprocess.run(["nm", "-C", str(path)], check=True, capture_output=True, text=True)
+    found = {
+        row[2].replace("(anonymous namespace)::", ""): int(row[1], 16)
+        for row in (re.match(r"([0-9a-f]{16}) \S (.*)", line) for line in rows.stdout.splitlines())
+        if row
+    }
+    known = ctypes.addressof(ctypes.c_void_p.in_dll(ctypes.PyDLL(str(path)), "HostNotReady"))
+    base = known - found["HostNotReady"]
+    return {name: base + offset for name, offset in found.items()}

@@ -46,6 +46,20 @@ def test_the_capsules_are_asked_for_in_their_order(in_process):
     ]
 
 
+def test_a_capsule_is_imported_the_plain_way(in_process):
+    def program():
+        from family import Family, interposed
+
+        script = Script()
+        family = Family().complete()
+        between = interposed(script)
+        between.watch("PyCapsule_Import")
+        family.psd()
+        return [e["second"] & 0xFFFFFFFF for e in script.journal if e["call"] == "python"]
+
+    assert in_process(program).value == [0] * 23
+
+
 @behaviour("shell-tree.capsule.factory-not-in-pass")
 def test_the_factory_is_no_part_of_the_pass(in_process):
     shown, calls = in_process(import_watched, [FACTORY]).value

@@ -215,6 +215,17 @@ def test_a_type_that_cannot_be_added_is_released():
     assert sys.getrefcount(unwanted) == before
 
 
+def test_a_module_without_a_name_is_shown_by_a_mark():
+    made = static_type(b"home.Homeless")
+    module = types.ModuleType("home")
+    del module.__name__
+    error = raised(add_type, module, ctypes.addressof(made), b"Homeless")
+    assert type(error) is ImportError
+    assert str(error) == "Type initialization internal error (-1014) <?,Homeless>"
+    assert type(error.__cause__) is SystemError and error.__context__ is error.__cause__
+    assert not hasattr(module, "Homeless")
+
+
 # The count of positional arguments.
 
 check_count = native("fn_check_args_count_out_of_range", ctypes.c_bool, SSIZE, TEXT, SSIZE, SSIZE)

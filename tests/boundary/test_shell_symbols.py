@@ -30,9 +30,13 @@ def defined():
     return dict(symbols("-D", "--defined-only"))
 
 
+def imports_of(leaf):
+    return [name for name, _ in symbols("-D", "--undefined-only", path=extension_path(leaf))]
+
+
 @pytest.fixture(scope="module")
 def imported():
-    return [name for name, _ in symbols("-D", "--undefined-only")]
+    return imports_of("psd")
 
 
 @pytest.fixture(scope="module")
@@ -90,7 +94,9 @@ def test_no_library_function_is_exported_weakly(leaf):
 
 
 @behaviour("shell-entry.locks.no-import")
-def test_the_lock_is_never_touched(imported):
+@pytest.mark.parametrize("leaf", LEAVES)
+def test_the_lock_is_never_touched(leaf):
+    imported = imports_of(leaf)
     assert not [
         name
         for name in imported
@@ -99,9 +105,23 @@ def test_the_lock_is_never_touched(imported):
     assert "PyModule_AddObject" in imported
 
 
+def test_there_are_no_threads_and_no_locks_but_those_of_the_maps(imported):
+    # The registry's two mutexes, and the guards of function-local statics.
+    found = {name for name in imported if re.match(r"(pthread|sem|thrd|mtx|cnd)_", name)}
+    assert found == {"pthread_mutex_lock", "pthread_mutex_unlock"}
+    assert "__cxa_guard_acquire" in imported and "__cxa_guard_release" in imported
+
+
 @behaviour("shell-entry.shutdown.no-hook")
-def test_no_exit_hook_can_be_registered(imported):
-    assert "Py_AtExit" not in imported and "_Py_PyAtExit" not in imported
+@pytest.mark.parametrize("leaf", LEAVES)
+def test_no_exit_hook_can_be_registered(leaf):
+    assert not {"Py_AtExit", "_Py_PyAtExit", "atexit"} & set(imports_of(leaf))
+
+
+@pytest.mark.parametrize("leaf", LEAVES)
+def test_python_is_told_of_nothing_but_errors(leaf):
+    # No log, no warning, no audit event; what cannot be raised goes to the unraisable hook.
+    assert not [name for name in imports_of(leaf) if re.match(r"PySys_|PyErr_Warn", name)]
 
 
 @behaviour("shell-tree.capsule.none-exported")

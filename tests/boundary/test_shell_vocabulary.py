@@ -335,30 +335,21 @@ CALLBACKS = [
 @behaviour("shell-entry.callbacks.identity")
 def test_each_setter_gets_the_function_or_table_of_its_name(in_process):
     def program(names):
-        import subprocess
-
-        from family import Family
+        from family import Family, symbols_of
 
         script = Script()
         for method, _ in names:
             script.method(EXCHANGE, method, ASSEMBLY).takes(1)  # noqa: F821
         psd = Family().complete().psd()
-        rows = subprocess.run(["nm", "-C", psd.__file__], capture_output=True, text=True).stdout
-        offsets = {}
-        for row in rows.splitlines():
-            parts = row.split(" ", 2)
-            if len(parts) == 3 and parts[0]:
-                name = parts[2].split("(")[0] if "::" not in parts[2] else parts[2]
-                offsets.setdefault(name, int(parts[0], 16))
-        known = ctypes.addressof(ctypes.c_void_p.in_dll(ctypes.PyDLL(psd.__file__), "HostNotReady"))
-        base = known - offsets["HostNotReady"]
         given = {
-            entry["method"]: entry["arguments"][0] - base
+            entry["method"]: entry["arguments"][0]
             for entry in script.journal
             if entry["call"] == "delegate" and entry["method"].startswith("Set")
         }
-        wanted = {method: offsets.get(name) for method, name in names}
-        return given, wanted
+        addresses = {
+            name.split("(")[0]: address for name, address in symbols_of(psd.__file__).items()
+        }
+        return given, {method: addresses.get(name) for method, name in names}
 
     given, wanted = in_process(program, CALLBACKS).value
     assert None not in wanted.values(), wanted
