@@ -104,6 +104,24 @@ def test_wrapping_runs_no_constructor(s):
         s.clear()
 
 
+@scene("binding-wrapper.new.wraps")
+def test_wrapping_calls_tp_new_without_arguments(s):
+    given = []
+
+    def create(kind, args, kwds):
+        given.append((kind, args, kwds))
+        return own(kind, args, kwds)
+
+    # tp_new stands 312 bytes into a type object.
+    slot = POINTER.from_address(s.native.address("sample_class") + 312)
+    form = ctypes.PYFUNCTYPE(POINTER, POINTER, POINTER, POINTER)
+    address, own, watched = slot.value, form(slot.value), form(create)
+    slot.value = ctypes.cast(watched, POINTER).value
+    w = s.wrap(s.Sample, 0x40)
+    slot.value = address
+    assert given == [(id(s.Sample), None, None)] and handle_of(w) == 0x40
+
+
 @scene("binding-wrapper.new.failure-releases", refuse=[("Sample", "btp_TypeOf")])
 def test_a_handle_that_cannot_be_wrapped_is_released(s):
     assert "WrpCs_S" in text_of(TypeError, s.wrap, s.Sample, 0x99)
@@ -186,6 +204,27 @@ def test_death_gives_the_handle_back_once(s):
     assert [entry["arguments"][0] for entry in struct_releases.received] == [0x60]
     s.Sample.__new__(s.Sample), s.Value.__new__(s.Value)
     assert len(s.calls("FreeInstance")) == 2 and len(struct_releases.received) == 1
+
+
+@scene("binding-wrapper.dealloc.order")
+def test_death_releases_then_clears_then_frees(s):
+    seen = []
+    form = ctypes.PYFUNCTYPE(None, POINTER)
+    for name, kind, handle in [("sample_class", s.Sample, 1), ("sample_struct", s.Value, 2)]:
+        # tp_free stands 320 bytes into a type object. Both releases have one name.
+        slot = POINTER.from_address(s.native.address(name) + 320)
+        address, own = slot.value, form(slot.value)
+
+        def free(wrapper, own=own):
+            seen.append((POINTER.from_address(wrapper + 16).value, s.calls("FreeInstance")))
+            own(wrapper)
+
+        watched = form(free)
+        w = s.wrap(kind, handle)
+        slot.value = ctypes.cast(watched, POINTER).value
+        del w
+        slot.value = address
+    assert seen == [(None, [[1]]), (None, [[1], [2]])]
 
 
 @scene("binding-wrapper.dealloc.other-thread")
