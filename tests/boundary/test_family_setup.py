@@ -4,7 +4,7 @@ import enum
 
 import pytest
 from psd_scene import psd_scene
-from wrappers import handle_of
+from wrappers import handle_of, text_of
 
 LAYERS = "FileFormats.Psd.Layers."
 STRUCTS = "CmykColor Color Point PointF Rectangle RectangleF Size SizeF".split()
@@ -35,6 +35,24 @@ def test_every_type_has_its_markers(s):
         assert entries["_kelmor_clr_host"] is wanted, kind
         assert entries["_kelmor_clr_castable_obj"] is None, kind
     assert not [k for _, _, k in s.types_below() if "_external_ancestor" in vars(k)]
+
+
+@psd_scene(
+    "binding-wrapper.type.no-base-flag",
+    "binding-wrapper.type.no-gc",
+    "binding-wrapper.type.sizes",
+)
+def test_no_type_can_be_derived_from_and_all_are_of_one_size(s):
+    hidden = [*vars(s.interop).values(), *vars(s.generic).values()]
+    hidden = [kind for kind in hidden if isinstance(kind, type)]
+    for other in (s.interop._ShlBufferView, s.interop._StreamWrapper):  # of records of their own
+        hidden.remove(other)
+        assert not other.__flags__ & (1 << 10)
+    assert len(hidden) > 50
+    for kind in [*wrappers_of(s), *hidden]:
+        assert not kind.__flags__ & (1 << 10 | 1 << 14), kind
+        assert (kind.__basicsize__, kind.__itemsize__) == (24, 0), kind
+        assert "not an acceptable base type" in text_of(TypeError, type, "X", (kind,), {})
 
 
 @psd_scene(

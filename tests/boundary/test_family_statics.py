@@ -183,6 +183,19 @@ def test_a_struct_asks_as_a_struct(s):
     assert [variant(part) for (part,) in s.memory("IsEqualsOfStc")] == [(1, 0x31)]
 
 
+@psd_scene("binding-descriptors.get.mixed-two-defs", "binding-descriptors.compare.identity")
+def test_both_faces_of_a_mixed_name(s):
+    kind, r = s.type_of("Rectangle"), s.wrap("Rectangle", 0x30)
+    assert r.inflate is not r.inflate and kind.inflate is kind.inflate
+    assert r.inflate == r.inflate != kind.inflate and hash(r.inflate) == hash(r.inflate)
+    assert r.inflate.__doc__ is None and kind.inflate.__doc__ is None
+    own = "<extension method inflate of kelmor.psd.Rectangle object"
+    assert repr(kind.inflate) == own + "s>" and repr(r.inflate) == f"{own} at {hex(id(r))}>"
+    assert repr(vars(kind)["inflate"]) == "<method 'inflate' of 'kelmor.psd.Rectangle' objects>"
+    red = vars(s.type_of("Color"))["RED"]
+    assert repr(red) == "<attribute 'RED' of 'kelmor.psd.Color' objects>"
+
+
 @psd_scene("family-statics.capsule.value-type-by-address")
 def test_a_siblings_value_type_is_given_by_its_address(s):
     tag = "2A1D6ECF"
