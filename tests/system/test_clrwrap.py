@@ -66,8 +66,8 @@ def assembly(tmp_path_factory):
 
 @behaviour("host-start.wraplib.load")
 def test_a_runtime_is_loaded():
-    out, err = run("print(Runtime().load())")
-    assert (out, err) == ("1\n", "")
+    out, err = run("runtime = Runtime()\nprint(runtime.load(), runtime.load())")
+    assert (out, err) == ("1 1\n", "")
 
 
 @behaviour("host-start.wraplib.load")
@@ -164,6 +164,23 @@ def test_a_runtime_without_its_core_library_refuses_to_start(tmp_path):
     assert err.endswith(f"kelmor: the .NET runtime in '{tmp_path}' refused to start (0x80070002)\n")
 
 
+def test_what_cannot_be_read_is_refused_with_a_code(tmp_path):
+    out, err = run(
+        f"""
+        os.chdir({str(tmp_path)!r})
+        os.rmdir({str(tmp_path)!r})
+        runtime = Runtime()
+        runtime.load()
+        codes = [runtime.initialize("relative")]  # to a folder that is gone
+        values = texts([""] * len(KEYS))
+        values[1] = None
+        codes += [runtime.library.coreclr_wrap_initialize(b"", b"", len(KEYS), texts(KEYS), values)]
+        print([hex(code & 0xFFFFFFFF) for code in codes], runtime.is_running())
+        """
+    )
+    assert (out, err) == ("['0x8000ffff', '0x8000ffff'] 0\n", "")
+
+
 def test_a_start_before_the_load_is_refused():
     out, _ = run("print(hex(Runtime().initialize()))")
     assert out == "0x80131022\n"
@@ -221,21 +238,27 @@ def test_settings_that_the_caller_left_open(assembly):
         print(runtime.text("GermanNumber"))
         # Code pages that are mapped twice would be shared with a forked child.
         print("doublemapper" in pathlib.Path("/proc/self/maps").read_text())
+        # 0 is a collector without a thread of its own.
+        settings = "System.Runtime.GCSettings"
+        _, mode = runtime.delegate("System.Private.CoreLib", settings, "get_LatencyMode")
+        print(ctypes.PYFUNCTYPE(ctypes.c_int)(mode)())
         """
     )
-    assert out == f"{assembly}/\nCultureNotFoundException\nFalse\n"
+    assert out == f"{assembly}/\nCultureNotFoundException\nFalse\n0\n"
 
 
-def test_the_first_application_folder_with_a_name_wins(assembly, tmp_path):
-    for name in ("first", "second"):
-        shutil.copytree(assembly, tmp_path / name)
+@pytest.mark.parametrize("name", ["Start.dll", "start.DLL"])
+def test_the_first_application_folder_with_a_name_wins(assembly, tmp_path, name):
+    for folder in ("first", "second"):
+        shutil.copytree(assembly, tmp_path / folder)
+    (tmp_path / "first/Start.dll").rename(tmp_path / "first" / name)
     out, _ = run(
         f"""
         folders = "{tmp_path}/nowhere:{tmp_path}/first:{tmp_path}/second"
         print(Runtime().start(folders).text("Location"))
         """
     )
-    assert out == f"{tmp_path}/first/Start.dll\n"
+    assert out == f"{tmp_path}/first/{name}\n"
 
 
 # Paths.
@@ -299,6 +322,17 @@ def test_a_delegate_that_cannot_be_made_gives_a_code(assembly, tmp_path, failure
         """
     )
     assert out == f"{code:#x}\n3\n"
+
+
+def test_a_delegate_needs_a_place(assembly):
+    out, _ = run(
+        f"""
+        runtime = Runtime().start({str(assembly)!r})
+        create = runtime.library.coreclr_wrap_create_delegate
+        print(hex(create(b"Start", b"Start.Entries", b"Add", None) & 0xFFFFFFFF))
+        """
+    )
+    assert out == "0x80004003\n"
 
 
 def test_there_are_no_delegates_before_the_start_and_after_the_end():
