@@ -85,6 +85,12 @@ class Psd(Scene):
             self.method("Test", name + "ToPy").calls(self.show_as(name, by_address=True))
             words = [self.address(f"{name}{way}") for way in ("FromPy", "ToPy")]
             stubs.capsule(f"kelmor.gfxtypes._C_APITV1_{name}", self.table(words + [0]))
+        for name in ("Brush", "Font", "RotateFlipType", "GraphicsUnit", "imaging.ColorMap"):
+            place, _, leaf = name.rpartition(".")
+            self.method("Test", leaf + "ToPy").calls(self.show_as(leaf))
+            words = [self.address(f"{leaf}{way}") for way in ("FromPy", "ToPy")]
+            module = ".".join(filter(None, ("kelmor.gfxtypes", place)))
+            stubs.capsule(f"{module}._C_APIT_{leaf}", self.table(words + [0]))
         self.method("Test", "Factory").calls(self.make_result)
         stubs.capsule("kelmor.shellbase._C_APIF", self.table([self.address("Factory")]))
 

@@ -260,13 +260,17 @@ def test_interfaces_and_arrays_come_as_records(s):
     assert type(got) is wrapper(s, "Array", "FCB07591") and handle_of(got) == 0x78
 
 
-@psd_scene()
+@psd_scene("collections-generic.array.getitem-sibling")
 def test_sibling_elements_go_through_the_siblings_converter(s):
-    tag = "ADFCB9C9"
-    a = s.wrap(wrapper(s, "Array", tag), 0x10)
-    s.method(entry("Array", tag), "SqLength").returns(1)
-    out_bytes(s, tag, "Array", "SqGetItem", 2, ctypes.c_uint64(0x77))
-    assert a[0] == ("Color", 0x77)
+    for tag, name in [("ADFCB9C9", "Color"), ("8D7E2A03", "ColorMap"), ("2A1D6ECF", "PointF")]:
+        a = s.wrap(wrapper(s, "Array", tag), 0x10)
+        s.method(entry("Array", tag), "SqLength").returns(1)
+        out_bytes(s, tag, "Array", "SqGetItem", 2, ctypes.c_uint64(0x77))
+        assert a[0] == (name, 0x77)
+        refused = f"the sibling has no {name} for that"
+        s.method("Test", name + "FromPy").raises(ValueError, refused).returns(0)
+        for use in (a.index, a.contains, a.count, lambda value: a.__setitem__(0, value)):
+            assert text_of(ValueError, use, 5) == refused
 
 
 @psd_scene(
@@ -376,3 +380,19 @@ def test_records_are_read(s):
     assert outcome == (0, None) and variant(memory) == (2, id(inner))
     refused = (-1, TypeError, "can't build Array value from 'int'")
     assert read(s, "F25B175D", [5], 0, None)[0] == refused
+
+
+@psd_scene(
+    "collections-generic.array.getitem-enum",
+    "collections-generic.callbacks-list.enum",
+)
+def test_members_of_an_enumeration_cross_as_numbers(s):
+    tag, kind = "67EEC098", s.psd.fileformats.tiff.enums.TiffSampleFormats
+    a = s.wrap(wrapper(s, "Array", tag), 0x10)
+    s.method(entry("Array", tag), "SqLength").returns(1)
+    out_bytes(s, tag, "Array", "SqGetItem", 2, ctypes.c_uint16(3))
+    assert a[0] is kind.IEEE_FLOAT
+    outcome, memory = read(s, tag, [kind.UNDEFINED], 0, None)
+    assert outcome == (0, None) and memory == struct.pack("<H", 4) + b"\xee" * 14
+    refused = (-1, TypeError, "can't build TiffSampleFormats value from 'int'")
+    assert read(s, tag, [4], 0, None)[0] == refused

@@ -7,7 +7,7 @@ from family import extension_path
 from wrappers import INT, OBJECT, POINTER, scene, text_of
 
 
-@scene("collections-streams.write.not-contiguous")
+@scene("collections-streams.write.not-contiguous", "collections-streams.readinto.not-contiguous")
 def test_a_block_with_gaps_is_refused_and_released(s):
     import ctypes
     import sys
@@ -17,14 +17,17 @@ def test_a_block_with_gaps_is_refused_and_released(s):
     taken, released = (
         s.function(f"exporter_{what}", INT, OBJECT) for what in ("taken", "released")
     )
-    exporter = create(ctypes.addressof(block), 3, 2)
     stream = s.wrap(s.interop._StreamWrapper, 0x10)
     s.clear()
-    count = sys.getrefcount(exporter)
-    wanted = "write argument must be contiguous buffer, not 'kelmor_probe.Exporter'"
-    assert text_of(TypeError, stream.write, exporter) == wanted
-    assert taken(exporter) == released(exporter) == 1
-    assert sys.getrefcount(exporter) == count and s.calls() == []
+    for method, words in (
+        (stream.write, "write argument must be contiguous buffer"),
+        (stream.readinto, "readinto argument must be read-write contiguous buffer"),
+    ):
+        exporter = create(ctypes.addressof(block), 3, 2)
+        count = sys.getrefcount(exporter)
+        assert text_of(TypeError, method, exporter) == words + ", not 'kelmor_probe.Exporter'"
+        assert taken(exporter) == released(exporter) == 1
+        assert sys.getrefcount(exporter) == count and s.calls() == []
 
 
 @pytest.mark.behaviour("collections-streams.lock.no-release")
