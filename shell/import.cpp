@@ -66,24 +66,27 @@ Ref require_type(Ref object) {
 }
 
 // The attribute of a module that is loaded already; empty, without an exception, when the long way
-// must be gone: also for a module that another thread is still loading.
+// must be gone: also for a module that another thread is still loading. What else a module raises
+// when it is asked, an interrupt say, is not lost.
 Ref loaded_attribute(const char *module, PyObject *name) {
     const Ref module_name = Ref::steal(PyUnicode_FromString(module));
     const Ref loaded = Ref::steal(module_name ? PyImport_GetModule(module_name.get()) : nullptr);
     Ref attribute = Ref::steal(loaded ? PyObject_GetAttr(loaded.get(), name) : nullptr);
-    if (!attribute) PyErr_Clear();
+    if (!attribute && (!loaded || PyErr_ExceptionMatches(PyExc_AttributeError))) PyErr_Clear();
     return attribute;
 }
 
 Ref import_type(const char *module, PyObject *name) {
     // Types are looked up for single values, and the import machinery takes half a microsecond.
-    if (Ref type = loaded_attribute(module, name)) return type;
-    const Ref imported = Ref::steal(PyImport_ImportModule(module));
-    if (!imported) {
-        PyShlErr_UnableToImportModule(module);
-        return Ref();
+    Ref type = loaded_attribute(module, name);
+    if (!type && !PyErr_Occurred()) {
+        const Ref imported = Ref::steal(PyImport_ImportModule(module));
+        if (!imported) {
+            PyShlErr_UnableToImportModule(module);
+            return Ref();
+        }
+        type = Ref::steal(PyObject_GetAttr(imported.get(), name));
     }
-    Ref type = Ref::steal(PyObject_GetAttr(imported.get(), name));
     if (!type) PyShlErr_UnableToImportType(name, module);
     return type;
 }

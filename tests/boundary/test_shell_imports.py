@@ -53,6 +53,21 @@ def test_a_module_that_is_still_being_filled_is_asked_once_more(sibling):
     assert asked == ["thing"]
 
 
+@pytest.mark.parametrize("kind", [KeyboardInterrupt, ValueError])
+def test_what_a_module_raises_when_it_is_asked_is_not_lost(sibling, kind):
+    def interrupted(name):
+        asked.append(name)
+        if len(asked) == 1:
+            raise kind("while it was asked")
+        return object()
+
+    asked = []
+    sibling.__getattr__ = interrupted
+    error = raised(import_type, b"sibling", "thing")
+    assert type(error) is ImportError and asked == ["thing"]
+    assert type(error.__cause__) is kind and error.__context__ is error.__cause__
+
+
 ALL_FORMS = [
     pytest.param(import_type, id="any"),
     pytest.param(import_type_ex, id="type"),
