@@ -232,6 +232,33 @@ def test_is_assignable(s):
         assert given == [(0, 0x10), (1, 0x20)]
 
 
+@scene()
+def test_an_error_decides_whatever_the_answer_is(s):
+    w = s.wrap(s.Sample, 0x10)
+    accept_object(s, "ObjectFromPy", 0x99)
+    for name, kind in [("Sample", s.Sample), ("Value", s.Value), ("Shade", s.root.Shade)]:
+        for status in (0, 1):
+            for operation, entry in [
+                (kind._is_assignable, "btp_IsAssignable"),
+                (kind._cast_to, "btp_CastTo"),
+                (kind._cast_as, "btp_CastAs"),
+                (kind._reinterpret_obj, "btp_ReInterpretObj"),
+            ]:
+                s.method(name, entry).reset().returns(status).raises(RuntimeError, entry)
+                assert text_of(RuntimeError, operation, w) == entry
+    assert s.method("Test", "Factory").received == []
+
+
+@scene()
+def test_a_number_that_cannot_be_read_is_not_asked_about(s):
+    for kind, number in [(s.root.Shade, 1 << 63), (s.root.Flags, -1)]:
+        member = int.__new__(kind, number)
+        member._value_ = number
+        for operation in (member.get_type, member._as_uni_enum):
+            raised(OverflowError, operation)
+    assert s.calls() == []
+
+
 @scene(
     "binding-casts.enum.cast-value",
     "binding-casts.enum.cast-unknown-value",

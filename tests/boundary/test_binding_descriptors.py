@@ -275,6 +275,20 @@ def test_a_mixed_method_has_two_faces(s):
     assert text_of(TypeError, mixed.__get__, None, 5) == text
 
 
+@scene()
+def test_without_a_type_the_object_alone_decides(s):
+    w, shade = s.wrap(s.Sample, 1), s.root.Shade
+    text = "descriptor '{}' needs a type, not 'NoneType', as arg 2"
+    field, static = vars(s.Sample)["CONSTANT"], vars(shade)["_type_of"]
+    assert text_of(TypeError, field.__get__, w) == text.format("CONSTANT")
+    assert text_of(TypeError, static.__get__, shade.DARK) == text.format("_type_of")
+    assert s.calls() == []
+    # What binds an object needs no type, and with an object looks at none.
+    for descriptor, thing in [(vars(s.Sample)["echo"], w), (vars(shade)["get_type"], shade.DARK)]:
+        for more in ((), (5,)):
+            assert descriptor.__get__(thing, *more) == descriptor.__get__(thing, type(thing))
+
+
 @scene(
     "binding-descriptors.repr.field",
     "binding-descriptors.repr.method-descr",
