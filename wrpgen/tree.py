@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from types import SimpleNamespace
 
-from .families import RUNTIME_INTERFACES, Family
+from .families import Family
 from .generics import Instance
 from .model import Capsule, Extension
 from .native import environment, wrapped
@@ -226,6 +226,3 @@ def _own_pointers(extension: Extension, by_name: dict[str, Family]) -> list[str]
         if "trancaps" in words:
             lines.append(f"wrpPyl_trancaps_py_to_clr_{symbol} = wrpPyl_tran_py_to_clr_{symbol};")
     return lines
-
-
-__all__ = ["write_header", "write_tree", "write_module", "RUNTIME_INTERFACES"]

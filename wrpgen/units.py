@@ -5,10 +5,9 @@ from __future__ import annotations
 from types import SimpleNamespace
 
 from . import names
-from .families import RUNTIME_INTERFACES, Family, Method, Property, StaticField
-from .forms import number_type
+from .families import Family, Method, Property, StaticField
 from .model import EnumValue
-from .native import CallText, Entry, environment, groups, host_entries, result_lines, wrapped
+from .native import CallText, environment, groups, host_entries, result_lines, wrapped
 
 _PROTOCOL = (
     ("_type_of", "METH_NOARGS | METH_STATIC"),
@@ -257,13 +256,3 @@ def visible_functions(family: Family) -> list[str]:
     if has_eypi(family):
         lines.append(f"int wrpPy_eypi_{family.symbol}();")
     return lines
-
-
-__all__ = [
-    "write_units",
-    "write_family",
-    "visible_functions",
-    "RUNTIME_INTERFACES",
-    "number_type",
-    "Entry",
-]
