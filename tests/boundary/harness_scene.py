@@ -57,7 +57,8 @@ class Harness:
         Family().complete()
         tags = json.loads((peer.ROOT / "api/tags.json").read_text())["harness"]
         self.classes = {name.rsplit(".", 1)[1]: pair[1] for name, pair in tags.items()}
-        for setter in ("SetExceptionCallback", "SetPyStrBuilderCallback"):
+        setters = ("SetExceptionCallback", "SetPyStrBuilderCallback", "SetPyGenericCallbacks")
+        for setter in setters:
             self.service(setter).takes(1)
         self.harness = importlib.import_module("kelmor.harness")
         given = [entry for entry in self.script.journal if entry["call"] == "delegate"]
