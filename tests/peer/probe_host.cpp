@@ -4,7 +4,6 @@
 #include "host/exchange_host.h"
 #include "host/fork_guard.h"
 #include "host/host_environment.h"
-#include "host/host_trace.h"
 #include "host/object_host.h"
 
 // A friend of the three classes: shows the state that they keep to themselves.
@@ -48,7 +47,6 @@ int host_can_free_library() { return HostTest::can_free(*environment()); }
 int host_domain_initialized() { return HostTest::domain_initialized(*environment()); }
 const char *host_netcore_dir() { return HostTest::netcore_dir(*environment()); }
 const char *host_product_assembly_dir() { return HostTest::product_assembly_dir(*environment()); }
-int host_is_tracing() { return trace::is_enabled(); }
 int host_in_forked_child() { return in_forked_child(); }
 
 const ProbeRow environment_rows[] = {
@@ -60,7 +58,6 @@ const ProbeRow environment_rows[] = {
     PROBE_ROW(host_domain_initialized),
     PROBE_ROW(host_netcore_dir),
     PROBE_ROW(host_product_assembly_dir),
-    PROBE_ROW(host_is_tracing),
     PROBE_ROW(host_in_forked_child),
 };
 const ProbeTable environment_table(environment_rows);

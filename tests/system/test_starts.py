@@ -171,12 +171,15 @@ def test_a_runtime_that_refuses_to_start_ends_the_process_with_all_that_it_was_g
 
 
 @behaviour("shell-entry.code.1007-assembly")
-@pytest.mark.parametrize("damage", ["empty", "half", "no-assembly"])
+@pytest.mark.parametrize("damage", ["missing", "empty", "half", "no-assembly"])
 def test_a_damaged_assembly_is_an_import_error(tmp_path, damage):
     shutil.copytree(ASSEMBLIES, tmp_path / "assemblies")
     file = tmp_path / "assemblies/psd/WrpInterop.Kelmor.PSD.dll"
     whole = file.read_bytes()
-    file.write_bytes({"empty": b"", "half": whole[: len(whole) // 2]}.get(damage, b"MZ" * 500))
+    if damage == "missing":
+        file.unlink()
+    else:
+        file.write_bytes({"empty": b"", "half": whole[: len(whole) // 2]}.get(damage, b"MZ" * 500))
     code = """
     try:
         import kelmor.psd
@@ -191,9 +194,10 @@ def test_a_damaged_assembly_is_an_import_error(tmp_path, damage):
     number, kind, reason = text.split("|")
     assert number == "One or more errors occurred while loading the module 'kelmor.psd' (-1007)"
     assert kind == "TypeError"
-    assert reason.startswith(
+    assert reason == (
         "While initializing the host for the 'Kelmor.WrpGen.Interop.ExchangeHost "
         "(Assembly=WrpInterop.Kelmor.PSD)' type, an error occurred - Method 'GetTypeName' not found"
+        " (error=-2147024894)"
     )
     assert verdict == "True False"
 
