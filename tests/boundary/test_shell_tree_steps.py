@@ -357,6 +357,30 @@ def test_a_failing_step_ends_the_tree(in_process, call, text):
     assert seen["version"] == "24.11.0.0"
 
 
+@behaviour("shell-tree.failure.types-stay-ready", "shell-entry.failed.types-stay-ready")
+def test_types_that_were_readied_are_those_of_the_next_import(in_process):
+    def program():
+        from family import Family, interposed
+
+        family = Family().complete()
+        between = interposed(Script())
+        between.fail("PyModule_AddObject", "schemas")
+        family.failure()
+        between.relent()
+        ready = [kind for kind in object.__subclasses__() if "kelmor.psd." in kind.__module__]
+        psd = family.psd()
+        return (
+            len(ready),
+            all(kind.__flags__ & (1 << 12) for kind in ready),
+            psd.memorymanagement.Configuration in ready,
+            psd.xmp.XmpHeaderPi in ready,
+        )
+
+    # The module at which it failed had readied no type of its own yet.
+    count, are_ready, earlier, later = in_process(program).value
+    assert (count > 10, are_ready, earlier, later) == (True, True, True, False)
+
+
 @behaviour("shell-tree.leaf.mark-failure-codes", "shell-versions.codes.table")
 @pytest.mark.parametrize("mark", MARKS)
 def test_a_failing_mark_has_its_code(in_process, mark):
