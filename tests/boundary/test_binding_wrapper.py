@@ -299,6 +299,28 @@ def test_repr_keeps_a_pending_error(s):
     assert str(value).strip("'") == "earlier"
 
 
+@scene("binding-wrapper.repr.saved-error-kept")
+def test_repr_puts_back_the_very_error_with_its_traceback(s):
+    def thrown():
+        try:
+            raise KeyError("earlier")
+        except KeyError as error:
+            return error
+
+    s.writes_object("Object", "ToStringOfObj", 1, "text", status=1)
+    call = s.function("call_with_pending", None, *[POINTER] * 8)
+    show, earlier, w = s.native.address("wrapClrObject_str"), thrown(), s.wrap(s.Sample, 1)
+    traceback = earlier.__traceback__
+    pending = [id(KeyError), id(earlier), id(traceback)]
+    error = raised(KeyError, call, *pending, show, id(w), 0, 0, 0)
+    assert error is earlier and s.calls("ToStringOfObj") == [[1]]
+    # The frames that it has passed since stand before its own.
+    found = error.__traceback__
+    while found.tb_next is not None:
+        found = found.tb_next
+    assert found is traceback
+
+
 @scene("binding-wrapper.repr.saved-error-new-error")
 def test_a_new_error_in_repr_is_unraisable(s):
     reports = []

@@ -119,6 +119,41 @@ def test_the_peer_sees_the_start_in_its_order(in_process, installation):
     assert "/debug" not in str(initialized)
 
 
+@behaviour("shell-entry.init-services.after-setters")
+def test_the_services_may_call_back_at_once(in_process):
+    def program(setters):
+        from family import Family
+
+        script = Script()
+        for method in setters:
+            script.method(EXCHANGE, method, ASSEMBLY).takes(1)
+        answers = []
+
+        def call_back(frame):
+            given = {
+                entry["method"]: entry["arguments"][0]
+                for entry in script.journal
+                if entry["call"] == "delegate" and entry["method"] in setters
+            }
+            build = ctypes.PYFUNCTYPE(ctypes.py_object, ctypes.c_char_p, ctypes.c_int32)
+            text = "a text".encode("utf-16-le")
+            answers.append(build(given["SetPyStrBuilderCallback"])(text, 6))
+            answers.append(build(given["SetPyBytesBuilderCallback"])(b"abc", 3).decode())
+            # The second table makes values; its third function makes an int.
+            tables = ctypes.cast(
+                given["SetPyStaticCallbacks"], ctypes.POINTER(ctypes.POINTER(ctypes.c_void_p))
+            )
+            write_long = ctypes.PYFUNCTYPE(ctypes.py_object, ctypes.c_int32)(tables[1][2])
+            answers.append(write_long(-5))
+
+        script.method(EXCHANGE, "InitServices", ASSEMBLY).calls(call_back)
+        version = str(Family().complete().psd().VERSION)
+        return answers, version, script.delegates().count("InitServices")
+
+    answers, version, count = in_process(program, SETTERS).value
+    assert (answers, version, count) == (["a text", "abc", -5], "24.11.0.0", 1)
+
+
 @behaviour("shell-entry.start.arguments")
 def test_the_variables_of_the_family_are_read(in_process, installation):
     def program():
