@@ -4,6 +4,8 @@ import ctypes
 import gc
 import sys
 
+import pytest
+from peer import ASSEMBLY, STAGE, Script
 from wrappers import INT, OBJECT, POINTER, scene, sibling_wrapper, text_of
 
 
@@ -232,3 +234,39 @@ def test_the_castable_marker_is_never_read(s):
     s.method("Sample", "btp_CastAs").writes(1, ctypes.c_uint64(0x77)).returns(1)
     assert s.Sample._cast_as(w)[1] == 1
     assert s.convert("interface_conversion", w) == (0, 0x10)
+
+
+@pytest.mark.behaviour("binding-markers.conv.refobj-sibling", "binding-casts.cast-to.sibling")
+def test_wrappers_of_a_real_sibling_are_known(in_process):
+    def program():
+        sys.path.insert(0, str(STAGE))
+        script = Script()
+        import kelmor.gfxtypes as sibling
+        import kelmor.psd as psd
+        from psd_scene import entry_class
+        from wrappers import variant
+
+        def wrap(kind, handle):
+            made = kind.__new__(kind)
+            ctypes.c_void_p.from_address(id(made) + 16).value = handle
+            return made
+
+        for name in ("Image", "Rectangle"):
+            for entry in ("btp_IsAssignable", "btp_CastTo"):
+                method = script.method(entry_class(name), entry, ASSEMBLY).takes(1).returns(1)
+                if (name, entry) != ("Image", "btp_IsAssignable"):
+                    method.shows(0, 16)
+        pen, area = wrap(sibling.Pen, 0x77), wrap(sibling.Rectangle, 0x88)
+        script.clear_journal()
+        assert psd.Image._is_assignable(pen) is True and psd.Image._is_assignable(area) is False
+        assert psd.Rectangle._is_assignable(pen) is psd.Rectangle._is_assignable(area) is True
+        psd.Image._cast_to(pen), psd.Image._cast_to(area)
+        entries = [e for e in script.journal if e["call"] == "delegate" and "btp" in e["method"]]
+        return [
+            list(variant(bytes.fromhex(e["snapshots"][0]))) if e["snapshots"] else e["arguments"]
+            for e in entries
+        ]
+
+    # A class takes the bare handle of a class wrapper; all others take records.
+    records = [[0, 0x77], [1, 0x88]]
+    assert in_process(program).value == [[0x77], *records, *records]

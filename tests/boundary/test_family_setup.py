@@ -55,6 +55,21 @@ def test_no_type_can_be_derived_from_and_all_are_of_one_size(s):
         assert "not an acceptable base type" in text_of(TypeError, type, "X", (kind,), {})
 
 
+@psd_scene("binding-casts.names.uni-enum-only-enums", "binding-casts.names.static-or-instance")
+def test_every_bound_type_has_the_cast_protocol(s):
+    forms = {"_cast_from": "method_descriptor", "get_type": "method_descriptor"}
+    for name in ("_type_of", "_cast_to", "_reinterpret_obj", "_cast_as", "_is_assignable"):
+        forms[name] = "staticmethod"
+    for kind in wrappers_of(s):
+        members = vars(kind)
+        assert {name: type(members[name]).__name__ for name in forms} == forms, kind
+        assert "_as_uni_enum" not in members
+    enumerations = [kind for _, _, kind in s.types_below() if issubclass(kind, enum.Enum)]
+    assert len(enumerations) >= 30
+    for kind in enumerations:
+        assert {*forms, "_as_uni_enum"} <= set(vars(kind)), kind
+
+
 @psd_scene(
     "binding-markers.key.additional-set",
     "binding-markers.key.implicit-set",
