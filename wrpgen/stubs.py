@@ -10,7 +10,7 @@ from .families import Call, Family, Method, Property, StaticField
 from .model import Extension
 from .units import _value_name
 
-_TYPING = ("IO", "Any", "Final", "NoReturn", "Protocol", "overload")
+_TYPING = ("IO", "Any", "Final", "NoReturn", "Protocol", "final", "overload")
 _ABSTRACT = ("Collection", "Iterable", "Iterator", "Sequence")
 _LIBRARY = ("datetime", "decimal", "enum", "uuid")
 _INTEROP = Path(__file__).with_name("templates") / "interop.pyi"
@@ -113,7 +113,10 @@ def _type(family: Family, families: list[Family]) -> str:
     common = "" if family.base else _COMMON
     if lines[1:] == [] and not common:
         lines.append("    ...")
-    return "".join(_mixed_types(family)) + "\n".join(lines) + "\n" + common
+    # No Python class can have one of these among its bases; those of others cannot be marked so.
+    is_base = any(other.base is family for other in families)
+    mark = "" if is_base or family.kind == "interface" else "@final\n"
+    return "".join(_mixed_types(family)) + mark + "\n".join(lines) + "\n" + common
 
 
 def _class_line(family: Family) -> str:

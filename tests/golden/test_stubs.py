@@ -84,6 +84,7 @@ BAD = {
     "an element of another kind": ("layer.resources[0] = layer", "call-overload"),
     "a member that is none": ("layer.nothing", "attr-defined"),
     "a static half on an instance": ("area.inflate(area, 1, 2)", "call-overload"),
+    "a class of one's own": ("class Own(Rectangle): ...", "misc"),
 }
 
 

@@ -129,3 +129,15 @@ def test_a_managed_stream_behaves_as_a_file():
 @pytest.mark.behaviour("collections-streams.iter.lines")
 def test_iteration_over_a_managed_stream_gives_lines():
     assert list(Streams.make(b"one\ntwo\nthree")) == [b"one\n", b"two\n", b"three"]
+
+
+@pytest.mark.behaviour(
+    "collections-iterators.iter.bound-classes", "collections-iterators.iterable.bound-classes"
+)
+def test_classes_may_be_enumerators_or_enumerables_themselves():
+    launch, countdown = harness.Launch(), harness.Countdown()
+    assert list(launch) == list(launch) == [3, 2, 1]
+    assert iter(countdown) is countdown and next(countdown) == 3 and list(countdown) == [2, 1]
+    countdown.reset()
+    assert max(countdown) == 3
+    assert Collections.join_all(harness.Launch()) == "3,2,1"
