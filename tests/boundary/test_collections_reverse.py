@@ -387,6 +387,17 @@ def test_searching_a_sequence(s):
     assert ask("index_of", q, Eater())[:2] == (-2, IndexError)
     assert ask("contains", (1,), Failing()) == (1, KeyError, "'compare'")
     assert ask("index_of", (1,), Failing()) == (0, KeyError, "'compare'")
+
+    class Judge:
+        def __eq__(self, other):
+            judged.append((self, other))
+            return False
+
+    judged = []
+    item, element = Judge(), Judge()
+    assert ask("contains", (element,), item) == (0, None)
+    assert ask("index_of", (element,), item) == (-1, None)
+    assert [(a is item, b is element) for a, b in judged] == [(True, True)] * 2
     for failure in (IndexError, KeyError):
 
         def fail(self, index, failure=failure):
