@@ -54,7 +54,10 @@ template <class Real> Real from_uint64(unsigned long long number) {
 
 template <class Real> int convert_real(PyObject *value, void *target) {
     if (PyFloat_Check(value)) {
-        *static_cast<Real *>(target) = static_cast<Real>(PyFloat_AS_DOUBLE(value));
+        const double real = PyFloat_AS_DOUBLE(value);
+        // The error can only be one that an earlier argument has left.
+        if (real == -1.0 && PyErr_Occurred()) return 0;
+        *static_cast<Real *>(target) = static_cast<Real>(real);
         return 1;
     }
     if (!check_integer(value, "numeric argument expected, got '%s'")) return 0;

@@ -1,6 +1,8 @@
 // Text, both ways.
 #include "marshal/strings.h"
 
+#include "shell/ref.h"
+
 #include <cstdlib>
 #include <new>
 #include <string>
@@ -58,11 +60,11 @@ int fn_conv_py_strorpath_to_clr_string(PyObject *value, void *arg) {
         return 1;
     }
     if (PyUnicode_Check(value)) return fn_conv_py_string_to_clr_string_value(value, &path->text);
-    if (!PyUnicode_FSDecoder(value, &path->owner)) return 0;
-    if (!fn_conv_py_string_to_clr_string_value(path->owner, &path->text)) {
-        Py_CLEAR(path->owner);
-        return 0;
-    }
+    PyObject *decoded;
+    if (!PyUnicode_FSDecoder(value, &decoded)) return 0;
+    Ref text = Ref::steal(decoded);
+    if (!fn_conv_py_string_to_clr_string_value(text.get(), &path->text)) return 0;
+    path->owner = text.release();
     return 1;
 }
 

@@ -101,6 +101,18 @@ def test_the_classes_are_looked_up_each_time(monkeypatch):
     assert number_of(Decimal(1)) == (0, 1, 0)
 
 
+@behaviour("marshal-decimals.param.accepts-decimal-tuple")
+def test_a_decimal_tuple_is_recognised_first(monkeypatch):
+    class Anything(type):
+        def __instancecheck__(cls, value):
+            return True
+
+    both = types.SimpleNamespace(sign=1, digits=(1, 5), exponent=-1)
+    for name in ("Decimal", "DecimalTuple"):
+        monkeypatch.setattr(decimal, name, Anything("Any", (), {}))
+    assert words_of(both) == [15, 0, 0, 0x80010000]  # it has no as_tuple()
+
+
 @behaviour("marshal-decimals.param.lookup-failure")
 def test_a_missing_module_is_an_import_error(monkeypatch):
     monkeypatch.setitem(sys.modules, "decimal", None)

@@ -14,6 +14,7 @@ from marshal_probe import (
     OBJECT,
     POINTER,
     accepted,
+    address,
     convert,
     native,
     refused,
@@ -409,6 +410,29 @@ def test_a_float_is_narrowed_without_a_range():
     assert real(name, 1e300) == math.inf
     assert real(name, -1e300) == -math.inf
     assert real(name, 0.1) == 0.10000000149011612
+
+
+@pytest.mark.parametrize("name", [*REALS, "fn_conv_py_long_to_clr_int32"])
+def test_a_value_that_reads_as_a_failure_fails_with_an_earlier_error(name, enum_stub):
+    # The first unit passes with the error of its look-up pending.
+    enum_stub(types.ModuleType("enum"))
+    parse = ctypes.PYFUNCTYPE(INT, OBJECT, ctypes.c_char_p, *[POINTER] * 4)(
+        ("PyArg_ParseTuple", ctypes.pythonapi)
+    )
+    first = address("fn_conv_py_variant_to_clr_variant"), ctypes.create_string_buffer(16)
+    for value, written in ((-1, False), (5, True)):
+        value = float(value) if name in REALS else value
+        memory = ctypes.create_string_buffer(b"\xaa" * 8, 8)
+        with pytest.raises(ImportError):
+            parse(
+                (MyInt(1), value),
+                b"O&O&",
+                first[0],
+                ctypes.addressof(first[1]),
+                address(name),
+                ctypes.addressof(memory),
+            )
+        assert (memory.raw != b"\xaa" * 8) == written
 
 
 @behaviour("marshal-scalars.float.same-tests")

@@ -120,6 +120,19 @@ def test_an_instance_of_an_int_subclass_is_no_integer(value):
     assert said(refused(VARIANT, value)) == (TypeError, "unknown variant type")
 
 
+@pytest.mark.skipif(hasattr(enum, "EnumType"), reason="enum.EnumType exists in this interpreter")
+@pytest.mark.parametrize("value", [sub(int, 3), Colour.RED], ids=["plain", "enumeration"])
+def test_without_enum_type_an_int_subclass_passes_with_an_error_pending(value):
+    arg = VariantArg(-7)
+    result, error = convert(VARIANT, value, arg)
+    assert (result, arg.kind, arg.value) == (1, 6, identity(value))
+    assert said(error) == (
+        ImportError,
+        "Unable to import the specified type EnumType from the module enum. "
+        "The type not found or errors occurred while initializing it.",
+    )
+
+
 @behaviour("marshal-variant.kind.int-check-failure")
 def test_a_failed_integer_check_passes_with_its_error_pending(monkeypatch):
     monkeypatch.setitem(sys.modules, "enum", None)
@@ -168,6 +181,51 @@ def test_numbers_need_no_look_up(monkeypatch):
     for module in ("decimal", "uuid", "datetime", "enum"):
         monkeypatch.setitem(sys.modules, module, None)
     assert [kind_of(value) for value in (None, True, 1, 1.0)] == [0, 5, 6, 7]
+
+
+class Anything(type):
+    """A class whose instances are all objects."""
+
+    def __instancecheck__(cls, value):
+        return True
+
+
+ANY = Anything("Any", (), {})
+MANY = [dt.timedelta(1), dt.datetime(2020, 1, 1), "x", b"x", bytearray(), [], (), object()]
+
+
+@behaviour("marshal-variant.kind.decimal-tuple", "marshal-variant.kind.decimal")
+def test_the_first_test_that_hits_decides(monkeypatch):
+    number, triple, guid = decimal.Decimal(1), decimal.DecimalTuple(0, (1,), 0), uuid.UUID(int=1)
+    plain = [None, True, 1, 1.5]
+    monkeypatch.setattr(uuid, "UUID", ANY)
+    assert [kind_of(value) for value in plain] == [0, 5, 6, 7]
+    assert [kind_of(value) for value in (triple, number, guid)] == [9, 8, 14]
+    assert {kind_of(value) for value in MANY} == {14}
+    monkeypatch.setattr(decimal, "Decimal", ANY)
+    assert [kind_of(value) for value in plain] == [0, 5, 6, 7]
+    assert {kind_of(value) for value in [number, guid, *MANY]} == {8}
+    assert kind_of(triple) == 9
+    monkeypatch.setattr(decimal, "DecimalTuple", ANY)
+    assert [kind_of(value) for value in plain] == [0, 5, 6, 7]
+    assert {kind_of(value) for value in [number, guid, triple, *MANY]} == {9}
+
+
+@behaviour("marshal-variant.lookup.each-call")
+def test_look_ups_fail_in_their_order(monkeypatch):
+    def first_missing(value, *missing):
+        with monkeypatch.context() as patch:
+            for module in missing:
+                patch.setitem(sys.modules, module, None)
+            error = refused(VARIANT, value)
+        assert isinstance(error, ImportError)
+        return [module for module in missing if module in str(error)]
+
+    for value in MANY:
+        assert first_missing(value, "decimal", "uuid", "datetime") == ["decimal"]
+        assert first_missing(value, "uuid", "datetime") == ["uuid"]
+        assert first_missing(value, "datetime") == ["datetime"]
+    assert first_missing(uuid.UUID(int=1), "decimal", "uuid") == ["decimal"]
 
 
 # The tables.
