@@ -1,4 +1,5 @@
-// An exporter that hands out the view it is told to, whatever was asked for, and counts.
+// An exporter that hands out the view it is told to, whatever was asked for, and counts. Its memory
+// may be written.
 #include "peer/probe.h"
 
 #include "shell/cpython.h"
@@ -16,7 +17,7 @@ struct Exporter {
 
 int exporter_getbuffer(PyObject *self, Py_buffer *view, int flags) {
     auto *exporter = reinterpret_cast<Exporter *>(self);
-    if (PyBuffer_FillInfo(view, self, exporter->data, exporter->length, 1, flags) < 0) return -1;
+    if (PyBuffer_FillInfo(view, self, exporter->data, exporter->length, 0, flags) < 0) return -1;
     if (exporter->stride != 0) {
         view->ndim = 1;
         view->shape = &exporter->shape;
