@@ -75,6 +75,13 @@ PyObject *fn_conv_clr_vlarr_to_py_vlarr(const VariantArg &result, PyTypeObject *
     return fn_py_clr_type_generic_new(result.value, result.kind == 0 ? kind_zero : other_kinds);
 }
 
+PyObject *fn_free_handles(std::initializer_list<void *> handles) {
+    for (void *handle : handles) {
+        if (handle != nullptr) ExchangeHost::get_instance()->free_instance(handle);
+    }
+    return nullptr;
+}
+
 PyObject *fn_write_py_tpo(void *handle, std::int64_t id) {
     PyTypeObject *const type = exposed_type_or_release(handle, id);
     if (type != nullptr) return fn_py_clr_type_generic_new(handle, type);

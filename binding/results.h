@@ -21,6 +21,7 @@
 #include "shell/cpython.h"
 
 #include <cstdint>
+#include <initializer_list>
 
 // Declared as a class or a struct: always the declared type, with no look-up.
 PyObject *fn_conv_clr_clsobj_to_py_clsobj(void *handle, PyTypeObject *declared);
@@ -41,6 +42,10 @@ PyObject *fn_conv_clr_ifcimpl_to_py_ifcimpl_wps(const PyCollectionArg &result,
 // The kind chooses the type.
 PyObject *fn_conv_clr_vlarr_to_py_vlarr(const VariantArg &result, PyTypeObject *kind_zero,
                                         PyTypeObject *other_kinds);
+
+// Gives back handles of a call that nobody will wrap, because another of its values could not be
+// made. Always null, for the caller to return.
+PyObject *fn_free_handles(std::initializer_list<void *> handles);
 
 // Called by the managed side with a handle that it gives away.
 PyObject *fn_write_py_tpo(void *handle, std::int64_t id);

@@ -426,7 +426,8 @@ class Composer:
         calls = []
         for member in rows:
             arguments = self._arguments(member)
-            if arguments is None:
+            # A slot of the type makes the object: there is no way back into a caller's list.
+            if arguments is None or any(argument.by_reference for argument in arguments):
                 self._skip(type_, member)
                 continue
             entry = f"ctor_{len(calls):03}_{type_.simple_name}"

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from dataclasses import dataclass, field
 from types import SimpleNamespace
 
 from .families import Argument, Call, Family, Property, StaticField
@@ -62,24 +63,42 @@ def _variable(argument: Argument) -> str:
     return "a_" + argument.variable
 
 
-def _passed(call: Call) -> tuple[list[str], list[str], list[str]]:
-    """Statements before the call, the arguments, statements behind it."""
-    before, passed, after = [], [], []
+@dataclass(frozen=True)
+class _Passed:
+    """The arguments of a call, and what has to stand around it."""
+
+    before: list[str] = field(default_factory=list)
+    arguments: list[str] = field(default_factory=list)
+    # Behind the call. Making a Python object may fail with Python's error pending, which ends the
+    # entry; handles and numbers come after that, so that no handle is left without an owner.
+    failures: list[str] = field(default_factory=list)
+    given: list[str] = field(default_factory=list)
+
+    def tests(self, nothing: str) -> list[str]:
+        return [f"if ({failure}) {{ {nothing} }}" for failure in self.failures]
+
+
+def _passed(call: Call) -> _Passed:
+    passed = _Passed()
     for argument in call.arguments:
         name, form = _variable(argument), argument.form
         if not argument.by_reference:
-            passed.append(_owned(call, argument) or _read(form, argument.parameter.type, name))
+            owned = _owned(call, argument)
+            passed.arguments.append(owned or _read(form, argument.parameter.type, name))
             continue
         held = name + "_value"
         if argument.parameter.direction == "ref":
             given = name if form.built else f"(*{name})"
-            before.append(f"var {held} = {_read(form, argument.parameter.type, given)};")
-            passed.append(f"ref {held}")
+            passed.before.append(f"var {held} = {_read(form, argument.parameter.type, given)};")
+            passed.arguments.append(f"ref {held}")
         else:
-            passed.append(f"out var {held}")
-        out = f"{name}_out" if form.built else name
-        after.append(f"*{out} = {form.cs_write.replace('{v}', held)};")
-    return before, passed, after
+            passed.arguments.append(f"out var {held}")
+        write = form.cs_write.replace("{v}", held)
+        if form.built:
+            passed.failures.append(f"(*{name}_out = {write}) == 0")
+        else:
+            passed.given.append(f"*{name} = {write};")
+    return passed
 
 
 def _owned(call: Call, argument: Argument) -> str:
@@ -104,37 +123,37 @@ def _entry(name: str, result: str, parameters: list[str], body: list[str]) -> Si
 
 
 def _result(
-    form: Form | None,
-    name: str,
-    parameters: list[str],
-    expression: str,
-    before: list[str],
-    after: list[str],
+    form: Form | None, name: str, parameters: list[str], expression: str, passed: _Passed
 ) -> SimpleNamespace:
     """An entry that evaluates an expression and hands its value over."""
     if form is None:
-        return _entry(name, "void", parameters, [*before, f"{expression};", *after])
+        body = [*passed.before, f"{expression};", *passed.tests("return;"), *passed.given]
+        return _entry(name, "void", parameters, body)
     if form.c_result.startswith("nullable "):
         write = form.cs_write.replace("{v}", "value.GetValueOrDefault()").replace("{r}", "result")
         body = [
+            *passed.before,
             f"var value = {expression};",
-            *after,
+            *passed.tests("return 0;"),
+            *passed.given,
             "if (!value.HasValue) { return 0; }",
             f"{write};",
             "return 1;",
         ]
-        return _entry(name, "int", [*parameters, f"{form.cs_result} result"], [*before, *body])
+        return _entry(name, "int", [*parameters, f"{form.cs_result} result"], body)
+    # The value has a name only where something stands between it and its way out.
+    held = f"var value = {expression};" if passed.failures or passed.given else ""
+    value = "value" if held else expression if form.by_slot else _grouped(expression)
+    write = form.cs_write.replace("{v}", value).replace("{r}", "result")
+    head = [*passed.before, *([held] if held else [])]
     if form.by_slot:
-        write = form.cs_write.replace("{v}", expression).replace("{r}", "result")
-        return _entry(
-            name, "void", [*parameters, f"{form.cs_result} result"], [*before, f"{write};", *after]
-        )
-    if after:
-        write = form.cs_write.replace("{v}", "value")
-        body = [*before, f"var value = {expression};", *after, f"return {write};"]
-    else:
-        body = [*before, f"return {form.cs_write.replace('{v}', _grouped(expression))};"]
-    return _entry(name, form.cs_result, parameters, body)
+        body = [*head, *passed.tests("return;"), *passed.given, f"{write};"]
+        return _entry(name, "void", [*parameters, f"{form.cs_result} result"], body)
+    body = [*head, *passed.tests("return default;")]
+    if form.built and passed.given:
+        body += [f"nint made = {write};", "if (made == 0) { return 0; }"]
+        write = "made"
+    return _entry(name, form.cs_result, parameters, [*body, *passed.given, f"return {write};"])
 
 
 def _grouped(expression: str) -> str:
@@ -142,27 +161,24 @@ def _grouped(expression: str) -> str:
 
 
 def _constructor(family: Family, call: Call) -> SimpleNamespace:
-    before, passed, after = _passed(call)
-    made = f"new {family.cs_type}({', '.join(passed)})"
+    made = f"new {family.cs_type}({', '.join(_passed(call).arguments)})"
     parameters = [_parameter(argument) for argument in call.arguments]
-    return _entry(
-        call.entry, "nint", parameters, [*before, f"return Results.Object({made});", *after]
-    )
+    return _entry(call.entry, "nint", parameters, [f"return Results.Object({made});"])
 
 
 def _call(family: Family, call: Call) -> SimpleNamespace:
-    before, passed, after = _passed(call)
+    passed = _passed(call)
     target = family.cs_type if call.static else _self(family)
     parameters = [] if call.static else ["nint self"]
     parameters += [_parameter(argument) for argument in call.arguments]
-    expression = f"{target}.{call.member.name}({', '.join(passed)})"
-    return _result(call.result, call.entry, parameters, expression, before, after)
+    expression = f"{target}.{call.member.name}({', '.join(passed.arguments)})"
+    return _result(call.result, call.entry, parameters, expression, passed)
 
 
 def _property(family: Family, item: Property) -> list[SimpleNamespace]:
     name = item.member.name
     target = f"{_self(family)}.{name}"
-    entries = [_result(item.form, f"get_{name}", ["nint self"], target, [], [])]
+    entries = [_result(item.form, f"get_{name}", ["nint self"], target, _Passed())]
     if item.set:
         value = _read(item.form, item.member.type, "value")
         parameters = ["nint self", f"{item.form.cs_param} value"]
@@ -173,7 +189,7 @@ def _property(family: Family, item: Property) -> list[SimpleNamespace]:
 def _static(family: Family, item: StaticField) -> list[SimpleNamespace]:
     name = item.member.name
     target = f"{family.cs_type}.{name}"
-    entries = [_result(item.form, f"getsa_{name}", [], target, [], [])]
+    entries = [_result(item.form, f"getsa_{name}", [], target, _Passed())]
     if item.settable:
         value = _read(item.form, item.member.type, "value")
         entries.append(

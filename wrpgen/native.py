@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import functools
+from collections.abc import Sequence
 from pathlib import Path
 
 import jinja2
@@ -82,25 +83,8 @@ class CallText:
                 passed.append(f"&{argument.variable}_value")
             else:
                 passed.append(_fill(argument.form.passed, argument.variable))
-        return result_lines(self._host, self.call.entry, passed, self.call.result, self._pushes())
-
-    def _pushes(self) -> list[str]:
-        """The values that came out go into the caller's lists, once all of them are made."""
         outs = [argument for argument in self.call.arguments if argument.by_reference]
-        if not outs:
-            return []
-        # What the managed side has built is held before a conversion can fail.
-        outs.sort(key=lambda argument: not argument.form.built)
-        lines = [f"PyTrPyObjStack<{len(outs)}> made;"]
-        for out in outs:
-            built = f"{out.variable}_object"
-            value = built if out.form.built else _fill(out.form.c_to_py, f"{out.variable}_value")
-            lines.append(f"if (!made.push({value})) return nullptr;")
-        lines += [
-            f"if (fn_push_parbyref_outvalue({out.variable}.list, made.pop()) < 0) return nullptr;"
-            for out in reversed(outs)
-        ]
-        return lines
+        return result_lines(self._host, self.call.entry, passed, self.call.result, outs)
 
     def construct_into(self, handle: str) -> list[str]:
         """From the delegate call to the return, for a constructor."""
@@ -124,43 +108,68 @@ def _by_reference_locals(argument: Argument) -> list[str]:
 
 
 def result_lines(
-    host: str, entry: str, passed: list[str], form: Form | None, pushes: list[str]
+    host: str, entry: str, passed: list[str], form: Form | None, outs: Sequence[Argument] = ()
 ) -> list[str]:
     """Call, test for an error, convert the result, return it."""
-    instance = f"{host}::get_instance()"
-    test = "if (PyErr_Occurred()) return nullptr;"
+    call, value = _called(f"{host}::get_instance().{entry}", passed, form)
+    if outs:
+        return [*call, *_handed_out(outs, value if form else "")]
+    return [*call, "if (PyErr_Occurred()) return nullptr;", f"return {value};"]
+
+
+def _called(entry: str, passed: list[str], form: Form | None) -> tuple[list[str], str]:
+    """The lines of the call itself, and the expression that makes Python's result of it."""
     if form is None:
-        return [
-            f"{instance}.{entry}({', '.join(passed)});",
-            test,
-            *pushes,
-            "return fn_py_return_none();",
-        ]
+        return [f"{entry}({', '.join(passed)});"], "fn_py_return_none()"
+    value = _fill(form.c_to_py, "result")
     if not form.by_slot:
-        call = f"{instance}.{entry}({', '.join(passed)})"
-        const = (
-            f"{form.c_result}const result"
-            if form.c_result.endswith("*")
-            else (f"const {form.c_result} result")
-        )
-        return [f"{const} = {call};", test, *pushes, f"return {_fill(form.c_to_py, 'result')};"]
+        pointer = form.c_result.endswith("*")
+        head = f"{form.c_result}const result" if pointer else f"const {form.c_result} result"
+        return [f"{head} = {entry}({', '.join(passed)});"], value
     if form.c_result.startswith("nullable "):
         declaration, address = _record(form.c_result.removeprefix("nullable "))
-        return [
-            declaration,
-            f"const int has_value = {instance}.{entry}({', '.join([*passed, address])});",
-            test,
-            *pushes,
-            f"return has_value != 0 ? {_fill(form.c_to_py, 'result')} : fn_py_return_none();",
-        ]
+        call = f"const int has_value = {entry}({', '.join([*passed, address])});"
+        return [declaration, call], f"has_value != 0 ? {value} : fn_py_return_none()"
     declaration, address = _record(form.c_result)
-    return [
-        declaration,
-        f"{instance}.{entry}({', '.join([*passed, address])});",
-        test,
-        *pushes,
-        f"return {_fill(form.c_to_py, 'result')};",
+    return [declaration, f"{entry}({', '.join([*passed, address])});"], value
+
+
+def _handed_out(outs: Sequence[Argument], value: str) -> list[str]:
+    """Behind the call: the result is made, then what came out, and only then do lists change.
+
+    Whatever is not handed over by then goes back: objects that the managed side has built are held
+    from the call on, and handles that no wrapper owns are freed.
+    """
+    built = [out for out in outs if out.form.built]
+    handles = [out for out in outs if not out.form.built and out.form.c_result == "void *"]
+    plain = [out for out in outs if out not in built and out not in handles]
+    lines = [f"PyTrPyObjStack<{len(outs)}> made;"]
+    test = "PyErr_Occurred()"
+    if built:
+        pushed = " & ".join(f"made.push({out.variable}_object)" for out in built)
+        lines.append(f"const bool held = {pushed};")
+        test += " || !held"
+    lines.append(f"if ({test}) return nullptr;")
+    if value:
+        lines.append(f"Ref returned = Ref::steal({value});")
+        lines.append(f"if (!returned) {_given_up(handles)};")
+    for index, out in enumerate(handles):
+        made = _fill(out.form.c_to_py, f"{out.variable}_value")
+        lines.append(f"if (!made.push({made})) {_given_up(handles[index + 1:])};")
+    for out in plain:
+        made = _fill(out.form.c_to_py, f"{out.variable}_value")
+        lines.append(f"if (!made.push({made})) return nullptr;")
+    lines += [
+        f"if (fn_push_parbyref_outvalue({out.variable}.list, made.pop()) < 0) return nullptr;"
+        for out in reversed([*built, *handles, *plain])
     ]
+    return [*lines, "return returned.release();" if value else "return fn_py_return_none();"]
+
+
+def _given_up(handles: Sequence[Argument]) -> str:
+    if not handles:
+        return "return nullptr"
+    return f"return fn_free_handles({{{', '.join(out.variable + '_value' for out in handles)}}})"
 
 
 def _record(type_: str) -> tuple[str, str]:

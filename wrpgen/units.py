@@ -125,7 +125,7 @@ def _method(family: Family, method: Method) -> SimpleNamespace:
 
 def _property(family: Family, item: Property) -> SimpleNamespace:
     entry = item.member.name
-    getter = result_lines(family.host, f"get_{entry}", ["handle_of(self)"], item.form, [])
+    getter = result_lines(family.host, f"get_{entry}", ["handle_of(self)"], item.form)
     setter = []
     if item.set:
         setter = [f"if (value == nullptr) return refuse_deletion({names.literal(item.py_name)});"]
@@ -163,7 +163,7 @@ def _static(family: Family, item: StaticField) -> SimpleNamespace:
         setter_name=f"wrpPy_spvg_{symbol}_000_{py_setter}",
         py_setter=py_setter,
         record=f"wrpPy_sgsf_{symbol}_000_{item.py_name}",
-        getter=result_lines(family.host, f"getsa_{entry}", [], item.form, []),
+        getter=result_lines(family.host, f"getsa_{entry}", [], item.form),
         setter=setter,
     )
 

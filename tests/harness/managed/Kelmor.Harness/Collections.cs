@@ -82,4 +82,25 @@ public static class Collections
         while (texts.Count < count && items.MoveNext()) texts.Add(Variants.Text(items.Current));
         return string.Join(",", texts);
     }
+
+    /// <summary>Whether the list holds an equal element.</summary>
+    public static bool Contains(IList items, object? value) => items.Contains(value);
+
+    /// <summary>Place of the first equal element, or -1.</summary>
+    public static int IndexOf(IList items, object? value) => items.IndexOf(value);
+
+    /// <summary>Inserts before an index.</summary>
+    public static void Insert(IList items, int index, object? value) => items.Insert(index, value);
+
+    /// <summary>Replaces the element at an index.</summary>
+    public static void Replace(IList items, int index, object? value) => items[index] = value;
+
+    /// <summary>Removes the first equal element.</summary>
+    public static void Remove(IList items, object? value) => items.Remove(value);
+
+    /// <summary>Removes the element at an index.</summary>
+    public static void RemoveAt(IList items, int index) => items.RemoveAt(index);
+
+    /// <summary>Removes all elements.</summary>
+    public static void Clear(IList items) => items.Clear();
 }
