@@ -56,6 +56,73 @@ public unsafe class AdapterTests : TestBase
     }
 
     [Fact]
+    public void A_list_that_refuses_is_an_exception_with_its_text_each_time()
+    {
+        nint python = FakePython.NewList(1, new FakeError("ValueError", "no"));
+        int alive = FakePython.Alive;
+        var list = new PyList(python);
+        IList<short> typed = new PyList<short>(python);
+        Action[] uses =
+        [
+            () => list.Add(2), () => list.Insert(0, 2), () => list.RemoveAt(0), list.Clear,
+            () => list.Contains(2), () => list.IndexOf(2), () => list.Remove(2), () => _ = list[1],
+            () => typed.Add(2), () => typed.IndexOf(2), () => typed.Remove(2),
+        ];
+        foreach (Action use in uses)
+        {
+            Assert.Equal("ValueError: no", Assert.Throws<PythonException>(use).Message);
+            Assert.Null(FakePython.Error);
+        }
+        Assert.Equal((2, alive), (list.Count, FakePython.Alive));
+        FakePython.Release(python);
+    }
+
+    [Fact]
+    public void A_sequence_that_refuses_is_an_exception_with_its_text_each_time()
+    {
+        nint python = FakePython.NewTuple(1, new FakeError("ValueError", "no"));
+        var sequence = new PySequence(python);
+        Action[] uses =
+        [
+            () => sequence.Contains(2), () => sequence.IndexOf(2), () => _ = sequence[1],
+        ];
+        foreach (Action use in uses)
+        {
+            Assert.Equal("ValueError: no", Assert.Throws<PythonException>(use).Message);
+            Assert.Null(FakePython.Error);
+        }
+        FakePython.Release(python);
+    }
+
+    [Fact]
+    public void A_typed_list_takes_no_index_outside()
+    {
+        nint python = FakePython.NewList(1, 2);
+        IList<short> list = new PyList<short>(python);
+        foreach (int outside in new[] { -1, 2 })
+        {
+            Assert.Throws<ArgumentOutOfRangeException>(() => list[outside]);
+            Assert.Throws<ArgumentOutOfRangeException>(() => list[outside] = 1);
+        }
+        list.Insert(1, 9);
+        Assert.Equal((1, true, false), (list.IndexOf(9), list.Contains(9), list.Contains(7)));
+        Assert.Equal([1, 9, 2], list.AsEnumerable());
+        Assert.Null(FakePython.Error);
+        FakePython.Release(python);
+    }
+
+    [Fact]
+    public void The_texts_of_python_stand_in_an_index_error()
+    {
+        nint python = FakePython.NewList(1);
+        var list = new PyList(python);
+        Assert.Contains(
+            "list index out of range",
+            Assert.Throws<ArgumentOutOfRangeException>(() => list[5]).Message);
+        FakePython.Release(python);
+    }
+
+    [Fact]
     public void No_reference_is_lost_on_any_way_through_a_list()
     {
         nint python = FakePython.NewList(1, "two", 3.0, new byte[] { 4 });
@@ -113,6 +180,38 @@ public unsafe class AdapterTests : TestBase
     }
 
     [Fact]
+    public void Of_wrappers_over_one_object_each_gives_its_own_reference_back()
+    {
+        nint handle = Own(new Spot { X = 3 });
+        nint[] wrappers =
+        [
+            FakePython.New(new FakeWrapper(handle, IsStruct: true)),
+            FakePython.New(new FakeWrapper(handle, IsStruct: true)),
+            FakePython.New(new FakeWrapper(handle, IsStruct: true)),
+        ];
+        nint python = FakePython.New(wrappers);
+        var sequence = new PySequence(python);
+        Assert.Equal(3, ((Spot)sequence[1]!).X);
+        Assert.Equal([1, 1, 1], wrappers.Select(FakePython.Refs));
+        Assert.Equal(3, ((Spot)sequence[2]!).X);
+        Assert.Equal([1, 1, 1], wrappers.Select(FakePython.Refs));
+        GC.KeepAlive(sequence);
+        FakePython.Release(python);
+    }
+
+    [Fact]
+    public void A_walk_gives_back_its_iterator_and_each_item()
+    {
+        nint python = FakePython.NewTuple("a", 1);
+        int alive = FakePython.Alive;
+        PyIteration.Each(python, item => Assert.NotNull(item));
+        Assert.Throws<InvalidCastException>(
+            () => PyIteration.Each(python, item => throw new InvalidCastException()));
+        Assert.Equal((alive, 1), (FakePython.Alive, FakePython.Refs(python)));
+        FakePython.Release(python);
+    }
+
+    [Fact]
     public void A_sized_iterable_is_a_collection()
     {
         nint python = FakePython.NewTuple(1, 2, 3);
@@ -122,6 +221,9 @@ public unsafe class AdapterTests : TestBase
         int[] numbers = new int[4];
         items.CopyTo(numbers, 1);
         Assert.Equal([0, 1, 2, 3], numbers);
+        byte[] bytes = new byte[3];
+        items.CopyTo(bytes, 0);
+        Assert.Equal([1, 2, 3], bytes);
         FakePython.Release(python);
     }
 
@@ -280,6 +382,9 @@ public unsafe class AdapterTests : TestBase
         var second = new PyList(python);
         Assert.Equal(first, second);
         Assert.Equal(first.GetHashCode(), second.GetHashCode());
+        nint another = FakePython.NewList();
+        Assert.False(first.Equals(new PyList(another)));
+        FakePython.Release(another);
         FakePython.Release(python);
     }
 

@@ -49,6 +49,84 @@ public unsafe class BridgeTests : TestBase
     }
 
     [Fact]
+    public void Of_many_inner_exceptions_sixteen_are_told()
+    {
+        Exception error = new IOException("level 0");
+        for (int i = 1; i < 40; i++)
+        {
+            error = new IOException($"level {i}", error);
+        }
+        Bridge.Raise(error);
+        string[] told = Raised().Message!.Split(" ---> ");
+        Assert.Equal(17, told.Length);
+        Assert.Equal(("level 39", "System.IO.IOException: level 23"), (told[0], told[16]));
+    }
+
+    [Fact]
+    public void A_failure_has_the_status_that_its_entry_names()
+    {
+        Assert.Equal(-1, Bridge.Fail(new IOException("one")));
+        Assert.Equal("one", Raised().Message);
+        Assert.Equal(7, Bridge.Fail(new IOException("two"), 7));
+        Assert.Equal("two", Raised().Message);
+    }
+
+    [Fact]
+    public void What_fails_before_the_callbacks_are_there_is_let_go()
+    {
+        var onException = PyApi.OnException;
+        var createString = PyApi.CreateString;
+        try
+        {
+            PyApi.CreateString = null;
+            Bridge.Raise(new IOException("no builder yet"));
+            Assert.Equal((null, null), Raised());
+            PyApi.OnException = null;
+            Bridge.Raise(new IOException("nobody to tell"));
+        }
+        finally
+        {
+            PyApi.OnException = onException;
+            PyApi.CreateString = createString;
+        }
+    }
+
+    [Fact]
+    public void A_missing_callback_is_told_when_the_start_is_over()
+    {
+        PyStreamCallbacks* stream = PyApi.Stream;
+        PyReadCallbacks* read = PyApi.Read;
+        var createBytes = PyApi.CreateBytes;
+        void Restore()
+        {
+            PyApi.Stream = stream;
+            PyApi.Read = read;
+            PyApi.CreateBytes = createBytes;
+        }
+        Action[] omissions =
+        [
+            () => PyApi.Stream = null, () => PyApi.Read = null, () => PyApi.CreateBytes = null,
+        ];
+        foreach (Action omission in omissions)
+        {
+            try
+            {
+                omission();
+                Entry.Void("ExchangeHost", "InitServices");
+            }
+            finally
+            {
+                Restore();
+            }
+            Assert.Equal(
+                ("System.InvalidOperationException",
+                    "The native side handed over too few callbacks."),
+                Raised());
+        }
+        Entry.Void("ExchangeHost", "InitServices");
+    }
+
+    [Fact]
     public void An_aggregate_tells_its_parts_itself()
     {
         var error = new AggregateException(new IOException("one"), new IOException("two"));

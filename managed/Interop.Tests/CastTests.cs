@@ -18,6 +18,79 @@ public unsafe class CastTests : TestBase
         public double Degrees { get; init; }
     }
 
+    private struct Kelvin
+    {
+        public double Degrees { get; init; }
+
+        public static implicit operator Kelvin(Celsius value) => value.Degrees < -273.15
+            ? throw new ArgumentOutOfRangeException(nameof(value), "too cold")
+            : new Kelvin { Degrees = value.Degrees + 273.15 };
+    }
+
+    private class Animal;
+
+    private sealed class Dog : Animal;
+
+    private sealed class Label
+    {
+        public static explicit operator Label(Animal _) => new();
+    }
+
+    [Fact]
+    public void A_conversion_may_stand_in_the_target_and_take_a_base_class()
+    {
+        nint result;
+        nint cold = Own(new Celsius { Degrees = 0 });
+        Assert.Equal(1, Casts.CastFrom(cold, Own(typeof(Kelvin)), &result));
+        Assert.Equal(273.15, Handles.Unbox<Kelvin>(result).Degrees);
+        Handles.Free(result);
+        Assert.Equal(1, Casts.CastFrom(Own(new Dog()), Own(typeof(Label)), &result));
+        Assert.IsType<Label>(Handles.Target<object>(result));
+        Handles.Free(result);
+    }
+
+    [Fact]
+    public void What_a_conversion_throws_is_raised_as_it_is()
+    {
+        nint result = 9;
+        nint colder = Own(new Celsius { Degrees = -300 });
+        Assert.Equal(-1, Casts.CastFrom(colder, Own(typeof(Kelvin)), &result));
+        Assert.Equal(0, result);
+        (string? type, string? message) = Raised();
+        Assert.Equal("System.ArgumentOutOfRangeException", type);
+        Assert.StartsWith("too cold", message);
+    }
+
+    [Fact]
+    public void A_struct_that_is_cast_to_its_own_type_is_copied()
+    {
+        nint self = Own(new Spot { X = 1 });
+        nint result;
+        Assert.Equal(1, Casts.CastFrom(self, Own(typeof(Spot)), &result));
+        Handles.Unbox<Spot>(result).X = 2;
+        Handles.Free(result);
+        Assert.Equal(1, Casts.ReInterpret<Spot>(self, &result));
+        Handles.Unbox<Spot>(result).X = 3;
+        Handles.Free(result);
+        Assert.Equal(1, Handles.Unbox<Spot>(self).X);
+    }
+
+    [Fact]
+    public void None_is_no_instance_and_is_no_error()
+    {
+        var none = new VariantArg { Kind = 55 };
+        nint result = 9;
+        int number = 9;
+        Assert.Equal((0, (nint)0), (Casts.CastAs<Stream>(0, &result), result));
+        Assert.Equal((0, (nint)0), (Casts.CastAsVariant<Spot>(&none, &result), result));
+        Assert.Equal((0, 0), (Casts.EnumCastAs<DayOfWeek, int>(0, &number), number));
+        Assert.Equal((0, 0), (Casts.IsAssignable<Stream>(0), Casts.IsAssignable<Spot>(0)));
+        result = 9;
+        Assert.Equal((1, (nint)0), (Casts.ReInterpret<Stream>(0, &result), result));
+        result = 9;
+        Assert.Equal((1, (nint)0), (Casts.CastTo<Stream>(&none, &result), result));
+    }
+
     [Fact]
     public void A_successful_cast_has_a_handle_of_its_own()
     {

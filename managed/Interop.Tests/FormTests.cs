@@ -49,6 +49,7 @@ public unsafe class FormTests : TestBase
     [Theory]
     [InlineData(0L, DateTimeKind.Unspecified)]
     [InlineData(1L << 62, DateTimeKind.Utc)]
+    [InlineData(long.MinValue, DateTimeKind.Local)]
     public void A_date_has_its_kind_in_the_top_bits(long bits, DateTimeKind kind)
     {
         long word = new DateTime(1999, 12, 31).Ticks | bits;
@@ -82,12 +83,16 @@ public unsafe class FormTests : TestBase
         Assert.Equal((moment.Ticks, moment.Offset.Ticks), (words[0], words[1]));
         Assert.Equal(moment, Args.DateTimeOffset(words));
         Assert.Equal(moment.Offset, Args.DateTimeOffset(words).Offset);
+        words[0] |= 1L << 62;
+        Assert.Equal(moment, Args.DateTimeOffset(words));
     }
 
     [Theory]
     [InlineData("1.2")]
     [InlineData("1.2.3")]
     [InlineData("1.2.3.4")]
+    [InlineData("0.0.0")]
+    [InlineData("0.0.0.0")]
     [InlineData(null)]
     public void A_version_has_as_many_parts_as_it_was_given(string? text)
     {
@@ -98,13 +103,25 @@ public unsafe class FormTests : TestBase
         Assert.Equal(version, Args.Version(&argument));
     }
 
+    [Theory]
+    [InlineData(1)]
+    [InlineData(5)]
+    public void A_version_of_another_count_is_refused(int count) =>
+        Assert.Throws<ArgumentException>(() =>
+        {
+            var argument = new PySysVersionArg { Count = count };
+            Args.Version(&argument);
+        });
+
     [Fact]
     public void A_byte_array_of_none_is_null_and_of_nothing_is_empty()
     {
         var none = new PyBytesArg { Length = -1 };
         Assert.Null(Args.Bytes(&none));
         var empty = new PyBytesArg { Length = 0 };
-        Assert.Equal([], Args.Bytes(&empty)!);
+        byte[]? bytes = Args.Bytes(&empty);
+        Assert.NotNull(bytes);
+        Assert.Empty(bytes);
     }
 
     [Fact]
@@ -145,6 +162,42 @@ public unsafe class FormTests : TestBase
     }
 
     [Fact]
+    public void A_result_has_the_identity_of_its_run_time_type()
+    {
+        long token = typeof(MemoryStream).TypeHandle.Value;
+        PyObjectOutArg seen;
+        Results.Interface(new MemoryStream(), &seen);
+        Assert.Equal(token, seen.TypeToken);
+        Handles.Free(seen.Handle);
+        PyCollectionArg result;
+        Results.Collection(new MemoryStream(), &result);
+        Assert.Equal((0, token), (result.Kind, result.TypeToken));
+        Handles.Free(result.Handle);
+    }
+
+    [Fact]
+    public void An_adapter_that_has_let_go_of_its_object_cannot_go_back()
+    {
+        nint python = FakePython.NewTuple(1);
+        var walk = new PyEnumerable(python).GetEnumerator();
+        ((IDisposable)walk).Dispose();
+        Assert.Throws<ObjectDisposedException>(() =>
+        {
+            PyCollectionArg result;
+            Results.Collection(walk, &result);
+        });
+        FakePython.Release(python);
+    }
+
+    [Fact]
+    public void No_bytes_are_none()
+    {
+        nint none = Results.Bytes(null);
+        Assert.Equal(FakePython.None, none);
+        FakePython.Release(none);
+    }
+
+    [Fact]
     public void A_struct_behind_an_interface_is_kind_1()
     {
         PyCollectionArg result;
@@ -163,7 +216,14 @@ public unsafe class FormTests : TestBase
         Handles.Free(result.Handle);
         Results.Class<object[]>(new string[1], &result);
         Assert.Equal(0, result.Kind);
+        Assert.Equal(typeof(string[]).TypeHandle.Value, (nint)result.TypeToken);
         Handles.Free(result.Handle);
+        Results.Class(new System.Collections.ArrayList(), &result);
+        Assert.Equal(0, result.Kind);
+        Handles.Free(result.Handle);
+        result.Kind = 9;
+        Results.Class<System.Collections.ArrayList>(null, &result);
+        Assert.Equal((0, (nint)0, 0L), (result.Kind, result.Handle, result.TypeToken));
     }
 
     [Fact]
@@ -178,16 +238,6 @@ public unsafe class FormTests : TestBase
         Assert.Equal(refs, FakePython.Refs(file));
         GC.KeepAlive(stream);
         FakePython.Release(file);
-    }
-
-    [Fact]
-    public void A_nullable_is_a_flag_and_a_value()
-    {
-        int value = 9;
-        Assert.Equal(0, Results.Nullable(null, &value));
-        Assert.Equal(0, value);
-        Assert.Equal(1, Results.Nullable(5, &value));
-        Assert.Equal(5, value);
     }
 
     [Fact]

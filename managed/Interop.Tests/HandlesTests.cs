@@ -19,6 +19,15 @@ public unsafe class HandlesTests : TestBase
     }
 
     [Fact]
+    public void All_assemblies_of_a_process_count_in_one_place()
+    {
+        nint place = Assert.IsType<nint>(AppContext.GetData("Kelmor.Interop.LiveHandles"));
+        Assert.Equal(Handles.Live, *(long*)place);
+        Own("one more");
+        Assert.Equal(Handles.Live, *(long*)place);
+    }
+
+    [Fact]
     public void Null_has_no_handle()
     {
         long before = Handles.Live;
@@ -31,15 +40,20 @@ public unsafe class HandlesTests : TestBase
     [Fact]
     public void A_null_self_raises_and_does_not_crash()
     {
-        Assert.Throws<NullReferenceException>(() => Handles.Target<string>(0));
-        Assert.Throws<NullReferenceException>(() => Handles.Unbox<Spot>(0));
+        string words = "object has not been constructed: its handle is null.";
+        Assert.Equal("The String " + words,
+            Assert.Throws<NullReferenceException>(() => Handles.Target<string>(0)).Message);
+        Assert.Equal("The Spot " + words,
+            Assert.Throws<NullReferenceException>(() => Handles.Unbox<Spot>(0)).Message);
     }
 
     [Fact]
     public void An_object_of_another_type_is_refused()
     {
         nint handle = Own("text");
-        Assert.Throws<InvalidCastException>(() => Handles.Target<Stream>(handle));
+        Assert.Equal(
+            "Unable to cast object of type 'System.String' to type 'System.IO.Stream'.",
+            Assert.Throws<InvalidCastException>(() => Handles.Target<Stream>(handle)).Message);
         Assert.Throws<InvalidCastException>(() => Handles.Optional<Stream>(handle));
         Assert.Throws<InvalidCastException>(() => Handles.Unbox<Spot>(handle));
     }
@@ -74,8 +88,9 @@ public unsafe class HandlesTests : TestBase
         arguments[2] = new VariantArg { Kind = 2, Value = Handles.Alloc(new Spot()) };
         ((delegate* unmanaged<VariantArg*, int, void>)Entry.Address(
             "ExchangeHost", "FreePendingArgs"))(arguments, 3);
-        Assert.Equal(0, arguments[0].Value);
-        Assert.Equal(lent, arguments[1].Value);
+        Assert.Equal((0, (nint)0), (arguments[0].Kind, arguments[0].Value));
+        Assert.Equal((3, lent), (arguments[1].Kind, arguments[1].Value));
+        Assert.Equal((0, (nint)0), (arguments[2].Kind, arguments[2].Value));
         Assert.Equal(1, FakePython.Refs(lent));
         FakePython.Release(lent);
     }

@@ -21,6 +21,44 @@ public unsafe class ObjectHostTests : TestBase
         Assert.Equal("1.2", FakePython.Take(text));
     }
 
+    private sealed class Silent(string? text) : MemoryStream
+    {
+        public override string? ToString() => text;
+    }
+
+    [Fact]
+    public void An_object_without_a_text_has_the_empty_one()
+    {
+        nint text = 0;
+        Assert.Equal(1, ((delegate* unmanaged<nint, nint*, int>)Entry.Address(
+            "ObjectHost", "ToStringOfObj"))(Own(new Silent(null)), &text));
+        Assert.Equal("", FakePython.Take(text));
+    }
+
+    [Fact]
+    public void A_text_that_python_refuses_leaves_its_error()
+    {
+        nint text = 7;
+        Assert.Equal(0, ((delegate* unmanaged<nint, nint*, int>)Entry.Address(
+            "ObjectHost", "ToStringOfObj"))(Own(new Silent("\uD800")), &text));
+        Assert.Equal((0, "LookupError"), (text, FakePython.Error?.Type));
+        FakePython.Error = null;
+    }
+
+    [Fact]
+    public void The_name_of_a_type_is_a_str_for_python()
+    {
+        var entry = (delegate* unmanaged<VariantArg*, nint*, int>)Entry.Address(
+            "ObjectHost", "GetTypeName");
+        nint text = 7;
+        var argument = new VariantArg { Kind = 0x5A5A, Value = Own(new Silent(null)) };
+        Assert.Equal(1, entry(&argument, &text));
+        Assert.Equal("System.IO.MemoryStream", FakePython.Take(text));
+        argument.Value = 0;
+        Assert.Equal((0, (nint)0), (entry(&argument, &text), text));
+        Assert.Equal("System.NullReferenceException", Raised().Type);
+    }
+
     [Theory]
     [InlineData("IsEqualsOfObj")]
     [InlineData("IsEqualsOfStc")]
@@ -36,20 +74,23 @@ public unsafe class ObjectHostTests : TestBase
         Assert.False(AreEqual(
             "IsEqualsOfObj", Own(new Sample(4)), new VariantArg { Kind = 0x5A5A, Value = 0 }));
 
-    [Fact]
-    public void The_hash_is_the_objects_own()
+    [Theory]
+    [InlineData("GetHashOfObj")]
+    [InlineData("GetHashOfStc")]
+    public void The_hash_is_the_objects_own(string entry)
     {
         var sample = new Sample(9);
-        Assert.Equal(
-            sample.GetHashCode(), Entry.Int("ObjectHost", "GetHashOfObj", Own(sample)));
+        Assert.Equal(sample.GetHashCode(), Entry.Int("ObjectHost", entry, Own(sample)));
     }
 
-    [Fact]
-    public void The_type_is_a_handle_of_its_own()
+    [Theory]
+    [InlineData("GetObjType")]
+    [InlineData("GetStcType")]
+    public void The_type_is_a_handle_of_its_own(string entry)
     {
         nint type = 0;
-        int status = ((delegate* unmanaged<nint, nint*, int>)Entry.Address(
-            "ObjectHost", "GetObjType"))(Own(new Sample(1)), &type);
+        int status = ((delegate* unmanaged<nint, nint*, int>)Entry.Address("ObjectHost", entry))(
+            Own(new Sample(1)), &type);
         Assert.Equal(1, status);
         Assert.Same(typeof(Sample), Handles.Target<Type>(type));
         Handles.Free(type);
@@ -93,6 +134,10 @@ public unsafe class ObjectHostTests : TestBase
     [Fact]
     public void A_type_has_its_full_name() =>
         Assert.Equal("System.IO.MemoryStream", TypeName(new MemoryStream()));
+
+    [Fact]
+    public void A_nested_type_is_joined_to_its_outer_one() => Assert.Equal(
+        "System.Environment+SpecialFolder", TypeName(Environment.SpecialFolder.Desktop));
 
     [Fact]
     public void A_private_type_shows_as_its_public_ancestor() =>

@@ -7,6 +7,15 @@ namespace Kelmor.WrpGen.Interop.Tests;
 public unsafe class PyReleasesTests : TestBase
 {
     [MethodImpl(MethodImplOptions.NoInlining)]
+    private static void AdoptStreams(nint pyObject, int times)
+    {
+        for (int i = 0; i < times; i++)
+        {
+            _ = new PyStream(pyObject);
+        }
+    }
+
+    [MethodImpl(MethodImplOptions.NoInlining)]
     private static void Adopt(nint pyObject, int times)
     {
         for (int i = 0; i < times; i++)
@@ -36,6 +45,7 @@ public unsafe class PyReleasesTests : TestBase
         Assert.Equal(4, FakePython.Refs(list));
 
         Handles.Free(0);
+        Assert.Equal(4, FakePython.Refs(list));
         Entry.Int("ExchangeHost", "FreeInstance", 0);
         Assert.Equal(1, FakePython.Refs(list));
         Assert.Equal(0, PyReleases.Count);
@@ -80,6 +90,25 @@ public unsafe class PyReleasesTests : TestBase
         Assert.Equal(1, FakePython.Refs(list));
         Assert.Equal(0, PyReleases.Count);
         FakePython.Release(list);
+    }
+
+    [Fact]
+    public void The_collector_is_called_when_much_was_adopted()
+    {
+        nint list = FakePython.NewList();
+        int before = GC.CollectionCount(2);
+        Adopt(list, 10_000);
+        Assert.InRange(GC.CollectionCount(2) - before, 2, 50);
+
+        // A stream weighs as much as many lists.
+        nint file = FakePython.New(new FakeFile());
+        before = GC.CollectionCount(2);
+        AdoptStreams(file, 100);
+        Assert.InRange(GC.CollectionCount(2) - before, 2, 50);
+        Entry.Void("Diagnostics", "Collect");
+        Assert.Equal((1, 1), (FakePython.Refs(list), FakePython.Refs(file)));
+        FakePython.Release(list);
+        FakePython.Release(file);
     }
 
     [Fact]

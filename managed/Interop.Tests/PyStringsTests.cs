@@ -53,6 +53,16 @@ public unsafe class PyStringsTests
     public void Ucs_4_becomes_surrogate_pairs() =>
         Assert.Equal("a\U0001F600z\U0010FFFF", Decode<uint>([0x61, 0x1F600, 0x7A, 0x10FFFF]));
 
+    [Theory]
+    [InlineData(1)]
+    [InlineData(8)]
+    [InlineData(21)]
+    public void The_last_character_of_the_first_plane_is_one_unit(int count)
+    {
+        uint[] points = [.. Enumerable.Repeat(0xFFFFu, count), 0x10000];
+        Assert.Equal(new string('\uFFFF', count) + "\U00010000", Decode(points));
+    }
+
     [Fact]
     public void Ucs_4_keeps_lone_surrogates() =>
         Assert.Equal("\uDC00\uD801x\U00010000", Decode<uint>([0xDC00, 0xD801, 0x78, 0x10000]));

@@ -98,6 +98,7 @@ public unsafe class StreamTests : TestBase
     {
         (PyStream stream, _, nint pyObject) = Open(new FakeFile { Most = 0 });
         Assert.Throws<IOException>(() => stream.Write([1]));
+        Assert.Throws<IOException>(() => stream.WriteByte(1));
         FakePython.Release(pyObject);
     }
 
@@ -185,6 +186,119 @@ public unsafe class StreamTests : TestBase
         stream.Dispose();
         Assert.Equal((false, 0), (file.Closed, file.Flushed));
         FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void What_was_flushed_already_is_not_flushed_again()
+    {
+        (PyStream stream, FakeFile file, nint pyObject) = Open();
+        stream.Write([1, 2]);
+        stream.Flush();
+        stream.Dispose();
+        Assert.Equal(1, file.Flushed);
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void A_block_that_was_written_is_flushed_at_the_end()
+    {
+        (PyStream stream, FakeFile file, nint pyObject) = Open();
+        stream.Write([1, 2]);
+        stream.Dispose();
+        Assert.Equal(1, file.Flushed);
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void A_file_that_python_has_closed_meanwhile_is_left_alone()
+    {
+        (PyStream stream, FakeFile file, nint pyObject) = Open();
+        stream.WriteByte(1);
+        file.Closed = true;
+        stream.Dispose();
+        Assert.Equal(0, file.Flushed);
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void A_flush_that_fails_ends_the_stream_all_the_same()
+    {
+        (PyStream stream, FakeFile file, nint pyObject) =
+            Open(new FakeFile { FlushError = new FakeError("OSError", "disk full") });
+        stream.WriteByte(1);
+        Assert.Equal(
+            "OSError: disk full", Assert.Throws<PythonException>(stream.Dispose).Message);
+        Assert.Throws<ObjectDisposedException>(() => stream.ReadByte());
+        stream.Dispose();
+        Assert.Equal(1, file.Flushed);
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void After_its_end_a_stream_can_do_nothing()
+    {
+        (PyStream stream, _, nint pyObject) = Open();
+        stream.Dispose();
+        Assert.Equal((false, false, false), (stream.CanRead, stream.CanWrite, stream.CanSeek));
+        Assert.Throws<ObjectDisposedException>(() => stream.Length);
+        Assert.Throws<ObjectDisposedException>(() => stream.Seek(0, SeekOrigin.Begin));
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void A_file_that_reports_more_than_it_was_given_is_not_believed()
+    {
+        (PyStream stream, FakeFile file, nint pyObject) = Open(new FakeFile { Excess = 5 });
+        file.Content.Write([1, 2, 3]);
+        file.Content.Position = 0;
+        const string Words = "The Python stream reports more bytes than it was given.";
+        Assert.Equal(
+            Words, Assert.Throws<IOException>(() => stream.ReadExactly(new byte[3])).Message);
+        Assert.Equal(Words, Assert.Throws<IOException>(() => stream.Write([1, 2])).Message);
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void Arguments_are_looked_at_before_the_file_is_asked()
+    {
+        (PyStream stream, FakeFile file, nint pyObject) = Open();
+        Assert.Throws<ArgumentOutOfRangeException>(() => stream.Write(new byte[2], 1, 2));
+        Assert.ThrowsAny<ArgumentException>(() => stream.ReadExactly(new byte[2], 1, 2));
+        Assert.Equal(0, file.Content.Length);
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void Two_streams_over_one_file_are_equal()
+    {
+        (PyStream stream, _, nint pyObject) = Open();
+        var second = new PyStream(pyObject);
+        Assert.Equal(stream, second);
+        Assert.Equal(stream.GetHashCode(), second.GetHashCode());
+        Assert.False(stream.Equals(new MemoryStream()));
+        FakePython.Release(pyObject);
+    }
+
+    [Fact]
+    public void The_abilities_of_a_managed_stream_are_told_one_by_one()
+    {
+        nint self = Own(new MemoryStream([1], writable: false));
+        string[] entries = ["CanRead", "CanSeek", "CanWrite"];
+        Assert.Equal([1, 1, 0], entries.Select(e => Entry.Int("SiApiStream", e, self) & 0xFF));
+        nint forward = Own(new System.IO.Compression.GZipStream(new MemoryStream(),
+            System.IO.Compression.CompressionMode.Compress));
+        Assert.Equal([0, 0, 1], entries.Select(e => Entry.Int("SiApiStream", e, forward) & 0xFF));
+    }
+
+    [Fact]
+    public void A_flush_reaches_the_managed_stream()
+    {
+        var target = new MemoryStream();
+        var buffered = new BufferedStream(target);
+        buffered.WriteByte(7);
+        Assert.Equal(0, target.Length);
+        Entry.Int("SiApiStream", "Flush", Own(buffered));
+        Assert.Equal([7], target.ToArray());
     }
 
     [Fact]

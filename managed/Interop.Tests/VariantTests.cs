@@ -71,6 +71,8 @@ public unsafe class VariantTests : TestBase
         Assert.Equal([3], (byte[])Read(new VariantArg { Kind = 4, Value = bytes })!);
         Assert.Equal(new object[] { 1 }, ((IList)Read(FakePython.Variant(list))!).Cast<object>());
         Assert.Equal(new object[] { 2 }, ((IList)Read(FakePython.Variant(tuple))!).Cast<object>());
+        Assert.False(((IList)Read(FakePython.Variant(list))!).IsReadOnly);
+        Assert.True(((IList)Read(FakePython.Variant(tuple))!).IsReadOnly);
         Array.ForEach([list, tuple, bytes], FakePython.Release);
     }
 
@@ -116,6 +118,26 @@ public unsafe class VariantTests : TestBase
         Assert.Equal("OverflowError: value too large for .Net decimal", error.Message);
         Assert.Null(FakePython.Error);
         FakePython.Release(large);
+    }
+
+    [Theory]
+    [InlineData(VariantKind.String)]
+    [InlineData(VariantKind.Int)]
+    [InlineData(VariantKind.Float)]
+    [InlineData(VariantKind.DecimalTuple)]
+    [InlineData(VariantKind.DateTime)]
+    [InlineData(VariantKind.Date)]
+    [InlineData(VariantKind.Time)]
+    [InlineData(VariantKind.TimeDelta)]
+    [InlineData(VariantKind.Guid)]
+    public void Every_failed_reader_is_told_in_its_own_words(object kind)
+    {
+        nint unreadable = FakePython.New(new FakeError("ValueError", "unreadable"));
+        var argument = new VariantArg { Kind = (int)kind, Value = unreadable };
+        PythonException error = Assert.Throws<PythonException>(() => Read(argument));
+        Assert.Equal("ValueError: unreadable", error.Message);
+        Assert.Null(FakePython.Error);
+        FakePython.Release(unreadable);
     }
 
     [Fact]
@@ -293,20 +315,25 @@ public unsafe class VariantTests : TestBase
     [InlineData(5, typeof(DayOfWeek), DayOfWeek.Friday)]
     [InlineData("x", typeof(char), 'x')]
     [InlineData(null, typeof(string), null)]
+    [InlineData(null, typeof(int?), null)]
+    [InlineData(5, typeof(byte?), (byte)5)]
+    [InlineData(5, typeof(DayOfWeek?), DayOfWeek.Friday)]
     public void A_value_is_fitted_to_an_element_type(object? value, Type type, object? expected) =>
         Assert.Equal(expected, Variants.Fit(value, type));
 
     [Theory]
-    [InlineData(300, typeof(byte))]
-    [InlineData(-1, typeof(ulong))]
-    [InlineData(1.5, typeof(int))]
-    [InlineData(true, typeof(int))]
-    [InlineData(1, typeof(bool))]
-    [InlineData(null, typeof(int))]
-    [InlineData("xy", typeof(char))]
-    [InlineData("5", typeof(int))]
-    public void A_value_that_does_not_fit_is_refused(object? value, Type type) =>
-        Assert.False(Variants.TryFit(value, type, out _));
+    [InlineData(300, typeof(byte), typeof(OverflowException))]
+    [InlineData(-1, typeof(ulong), typeof(OverflowException))]
+    [InlineData(1.5, typeof(int), typeof(InvalidCastException))]
+    [InlineData(true, typeof(int), typeof(InvalidCastException))]
+    [InlineData(1, typeof(bool), typeof(InvalidCastException))]
+    [InlineData(65, typeof(char), typeof(InvalidCastException))]
+    [InlineData(1.0, typeof(DayOfWeek), typeof(InvalidCastException))]
+    [InlineData(null, typeof(int), typeof(InvalidCastException))]
+    [InlineData("xy", typeof(char), typeof(InvalidCastException))]
+    [InlineData("5", typeof(int), typeof(InvalidCastException))]
+    public void A_value_that_does_not_fit_is_refused(object? value, Type type, Type error) =>
+        Assert.Throws(error, () => Variants.Fit(value, type));
 
     [Theory]
     [InlineData(1, 1L, true)]
@@ -321,5 +348,16 @@ public unsafe class VariantTests : TestBase
     {
         Assert.Equal(expected, Variants.AreEqual(left, right));
         Assert.Equal(expected, Variants.AreEqual(right, left));
+    }
+
+    [Fact]
+    public void Decimals_are_numbers_among_numbers()
+    {
+        Assert.True(Variants.AreEqual(1m, 1));
+        Assert.True(Variants.AreEqual(1.5m, 1.5));
+        Assert.False(Variants.AreEqual(1.5m, 1));
+        Assert.True(Variants.Compare(0.1m, 1L) < 0 && Variants.Compare(2.5, 1m) > 0);
+        Assert.True(Variants.Compare(null, 0) < 0 && Variants.Compare("a", null) > 0);
+        Assert.True(Variants.Compare(7, 7) == 0 && Variants.Compare(ulong.MaxValue, -1) > 0);
     }
 }

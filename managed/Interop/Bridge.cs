@@ -54,14 +54,18 @@ internal static unsafe class Bridge
     /// <summary>
     /// Takes the pending Python error away and gives it as an exception to throw.
     /// </summary>
-    public static PythonException PythonError()
+    public static PythonException PythonError() =>
+        PendingError() ?? new PythonException("A call into Python failed without an error.");
+
+    /// <summary>As <see cref="PythonError"/>; null when no error is pending.</summary>
+    public static PythonException? PendingError()
     {
         nint owner = 0;
         PyStringArg text;
         text.Length = -1;
         if (PyApi.CatchAndClearError(&owner, &text) != 0)
         {
-            return new PythonException("A call into Python failed without an error.");
+            return null;
         }
         try
         {

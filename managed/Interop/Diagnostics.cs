@@ -1,5 +1,4 @@
 // Figures that tests look at: nothing of the bridge depends on them.
-using System.Runtime;
 using System.Runtime.InteropServices;
 
 namespace Kelmor.WrpGen.Interop;
@@ -12,10 +11,6 @@ public static class Diagnostics
 
     [UnmanagedCallersOnly]
     private static int QueueLength() => PyReleases.Count;
-
-    /// <summary>Methods that had to be compiled at run time, in the whole process.</summary>
-    [UnmanagedCallersOnly]
-    private static int JittedMethods() => (int)JitInfo.GetCompiledMethodCount();
 
     /// <summary>Collects garbage, runs the finalisers and gives back what they let go.</summary>
     [UnmanagedCallersOnly]

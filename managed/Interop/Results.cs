@@ -119,11 +119,4 @@ internal static unsafe partial class Results
         result->Components[2] = value?.Build ?? 0;
         result->Components[3] = value?.Revision ?? 0;
     }
-
-    /// <summary>A nullable: 1 with the value, or 0 with the default in its place.</summary>
-    public static int Nullable<T>(T? value, T* result) where T : unmanaged
-    {
-        *result = value.GetValueOrDefault();
-        return value.HasValue ? 1 : 0;
-    }
 }

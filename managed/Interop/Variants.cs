@@ -29,27 +29,12 @@ internal static class Variants
         {
             return text[0];
         }
-        if (target.IsPrimitive && value is not bool && value is IConvertible && IsNumber(value)
-            && target != typeof(bool) && target != typeof(char) && Converts(value, target))
+        if (target.IsPrimitive && IsNumber(value) && target != typeof(bool)
+            && target != typeof(char) && Converts(value, target))
         {
             return Convert.ChangeType(value, target, CultureInfo.InvariantCulture);
         }
         throw NoFit(value, type);
-    }
-
-    /// <summary>As <see cref="Fit"/>, without an exception.</summary>
-    public static bool TryFit(object? value, Type type, out object? fitted)
-    {
-        try
-        {
-            fitted = Fit(value, type);
-            return true;
-        }
-        catch (Exception e) when (e is InvalidCastException or OverflowException)
-        {
-            fitted = null;
-            return false;
-        }
     }
 
     /// <summary>Equality as Python sees it: numbers by value, everything else by Equals.</summary>

@@ -14,6 +14,18 @@ internal static unsafe partial class FakePython
     private static bool Inside(nint pyObject, int index) =>
         (uint)index < (uint)Sequence(pyObject).Count;
 
+    // Where Python counts from the end.
+    private static int Counted(nint pyObject, int index) =>
+        index < 0 ? index + Sequence(pyObject).Count : index;
+
+    // A list or tuple that holds an error refuses every change and every search with it.
+    private static bool Refuses(nint pyObject)
+    {
+        FakeError? error = Sequence(pyObject).Select(Value).OfType<FakeError>().FirstOrDefault();
+        Error = error ?? Error;
+        return error is not null;
+    }
+
     private static int IndexError(string text) => Fail("IndexError", text, IndexErrorStatus);
 
     [UnmanagedCallersOnly]
@@ -45,6 +57,11 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int RemoveAt(nint pyObject, int index)
     {
+        if (Refuses(pyObject))
+        {
+            return -1;
+        }
+        index = Counted(pyObject, index);
         if (!Inside(pyObject, index))
         {
             return IndexError("pop index out of range");
@@ -57,6 +74,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int Clear(nint pyObject)
     {
+        if (Refuses(pyObject))
+        {
+            return -1;
+        }
         List(pyObject).ForEach(Release);
         List(pyObject).Clear();
         return 0;
@@ -92,6 +113,10 @@ internal static unsafe partial class FakePython
         {
             return IndexError("list index out of range");
         }
+        if (Value(List(pyObject)[index]) is FakeError error)
+        {
+            return Fail(error.Type, error.Text);
+        }
         *result = Variant(List(pyObject)[index]);
         return 0;
     }
@@ -112,6 +137,11 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ListAdd(nint pyObject, nint item)
     {
+        if (Refuses(pyObject))
+        {
+            Release(item);
+            return -1;
+        }
         List(pyObject).Add(item);
         return List(pyObject).Count;
     }
@@ -119,6 +149,11 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ListInsert(nint pyObject, int index, nint item)
     {
+        if (Refuses(pyObject))
+        {
+            Release(item);
+            return -1;
+        }
         List(pyObject).Insert(index, item);
         return 0;
     }
@@ -137,15 +172,37 @@ internal static unsafe partial class FakePython
     }
 
     [UnmanagedCallersOnly]
-    private static int Contains(nint pyObject, nint item) => Find(pyObject, item) >= 0 ? 1 : 0;
+    private static int Contains(nint pyObject, nint item) => Find(pyObject, item) switch
+    {
+        -2 => -1,
+        -1 => 0,
+        _ => 1,
+    };
 
     [UnmanagedCallersOnly]
     private static int IndexOf(nint pyObject, nint item) => Find(pyObject, item);
 
-    // The item's reference is the callee's to give back.
+    // Of a sequence, a comparison that raises counts as a find.
+    [UnmanagedCallersOnly]
+    private static int SequenceContains(nint pyObject, nint item) =>
+        Find(pyObject, item) == -1 ? 0 : 1;
+
+    [UnmanagedCallersOnly]
+    private static int SequenceIndexOf(nint pyObject, nint item)
+    {
+        int index = Find(pyObject, item);
+        return index == -2 ? 1 : index;
+    }
+
+    // The item's reference is the callee's to give back. -1 for none, -2 for an error.
     private static int Find(nint pyObject, nint item)
     {
         object wanted = Value(item);
+        if (Refuses(pyObject))
+        {
+            Release(item);
+            return -2;
+        }
         int index = Sequence(pyObject).ToList()
             .FindIndex(each => Variants.AreEqual(Value(each), wanted));
         Release(item);
@@ -158,11 +215,16 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int SequenceGetItem(nint pyObject, int index, VariantArg* result)
     {
+        index = Counted(pyObject, index);
         if (!Inside(pyObject, index))
         {
             return IndexError("tuple index out of range");
         }
         nint item = Sequence(pyObject)[index];
+        if (Value(item) is FakeError error)
+        {
+            return Fail(error.Type, error.Text);
+        }
         Retain(item); // stays with the value
         *result = Variant(item);
         return 0;

@@ -1,4 +1,4 @@
-// The typed element readers, for three element types of different forms.
+// The typed element readers, for four element types of different forms.
 using System.Runtime.InteropServices;
 using Kelmor.WrpGen.Interop.Tests.Fakes;
 
@@ -18,14 +18,16 @@ namespace Kelmor.WrpGen.Interop.Tests.Fakes
 
     internal static unsafe partial class FakePython
     {
-        // Positions as GenericTable has them: short, string, Sample; then the readers of sequences.
+        // Positions as GenericTable has them: short, string, Sample, Spot; then those of sequences.
         private static void* TypedReaders() => Table(
             Table((delegate* unmanaged<nint, int, short*, int>)&ListShort),
             Table((delegate* unmanaged<nint, int, PyStringArg*, int>)&ListString),
             Table((delegate* unmanaged<nint, int, nint*, int>)&ListSample),
+            Table((delegate* unmanaged<nint, int, VariantArg*, int>)&ListSpot),
             Table((delegate* unmanaged<nint, int, nint*, short*, int>)&SequenceShort),
             Table((delegate* unmanaged<nint, int, nint*, PyStringArg*, int>)&SequenceString),
             Table((delegate* unmanaged<nint, int, nint*, nint*, int>)&SequenceSample),
+            Table((delegate* unmanaged<nint, int, nint*, VariantArg*, int>)&SequenceSpot),
             null);
 
         [UnmanagedCallersOnly]
@@ -35,6 +37,11 @@ namespace Kelmor.WrpGen.Interop.Tests.Fakes
         [UnmanagedCallersOnly]
         private static int ListString(nint list, int index, PyStringArg* result)
         {
+            // None writes the length alone, which is as it was prepared.
+            if (Value(List(list)[index]) is Type)
+            {
+                return result->Length == -1 ? 0 : Fail("SystemError", "the record is not prepared");
+            }
             Lend((string)Value(List(list)[index]), result, List(list)[index]);
             return 0;
         }
@@ -43,6 +50,13 @@ namespace Kelmor.WrpGen.Interop.Tests.Fakes
         private static int ListSample(nint list, int index, nint* result)
         {
             *result = ((FakeWrapper)Value(List(list)[index])).Handle;
+            return 0;
+        }
+
+        [UnmanagedCallersOnly]
+        private static int ListSpot(nint list, int index, VariantArg* result)
+        {
+            *result = Variant(List(list)[index]);
             return 0;
         }
 
@@ -73,6 +87,16 @@ namespace Kelmor.WrpGen.Interop.Tests.Fakes
             return 0;
         }
 
+        [UnmanagedCallersOnly]
+        private static int SequenceSpot(
+            nint sequence, int index, nint* keep, VariantArg* result)
+        {
+            *keep = Sequence(sequence)[index];
+            Retain(*keep);
+            *result = Variant(*keep);
+            return 0;
+        }
+
         private static int Short(nint sequence, int index, short* result)
         {
             if (!Inside(sequence, index))
@@ -95,6 +119,6 @@ namespace Kelmor.WrpGen.Interop
     internal static partial class GenericTable
     {
         static partial void Fill(List<Type> types) =>
-            types.AddRange([typeof(short), typeof(string), typeof(Sample)]);
+            types.AddRange([typeof(short), typeof(string), typeof(Sample), typeof(Spot)]);
     }
 }

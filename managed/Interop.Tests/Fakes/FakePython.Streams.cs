@@ -14,6 +14,12 @@ internal sealed class FakeFile
     /// <summary>Raised by every operation.</summary>
     public FakeError? Error { get; init; }
 
+    /// <summary>Raised by flush alone.</summary>
+    public FakeError? FlushError { get; init; }
+
+    /// <summary>Added to every count that a read or write reports.</summary>
+    public int Excess { get; init; }
+
     public bool Seekable { get; init; } = true;
 
     public bool Closed { get; set; }
@@ -39,7 +45,7 @@ internal static unsafe partial class FakePython
         }
         int done = Math.Min(count, file.Most);
         file.Content.Write(new ReadOnlySpan<byte>(data, done));
-        return done;
+        return done + file.Excess;
     }
 
     [UnmanagedCallersOnly]
@@ -49,6 +55,10 @@ internal static unsafe partial class FakePython
         {
             return -1;
         }
+        if (file.Most == 0)
+        {
+            return 0;
+        }
         file.Content.WriteByte((byte)value);
         return 1;
     }
@@ -57,7 +67,7 @@ internal static unsafe partial class FakePython
     private static int StreamRead(nint pyObject, void* data, int count) =>
         Failing(pyObject, out FakeFile file)
             ? -1
-            : file.Content.Read(new Span<byte>(data, Math.Min(count, file.Most)));
+            : file.Content.Read(new Span<byte>(data, Math.Min(count, file.Most))) + file.Excess;
 
     [UnmanagedCallersOnly]
     private static int StreamReadByte(nint pyObject) =>
@@ -86,7 +96,7 @@ internal static unsafe partial class FakePython
             return -1;
         }
         file.Flushed++;
-        return 0;
+        return file.FlushError is null ? 0 : Fail(file.FlushError.Type, file.FlushError.Text);
     }
 
     [UnmanagedCallersOnly]

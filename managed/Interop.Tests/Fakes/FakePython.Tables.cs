@@ -44,8 +44,8 @@ internal static unsafe partial class FakePython
             Table((delegate* unmanaged<nint, nint*, VariantArg*, int>)&IterNext),
             Sizes(), Lists(),
             Table((delegate* unmanaged<nint, int, VariantArg*, int>)&SequenceGetItem,
-                (delegate* unmanaged<nint, nint, int>)&Contains,
-                (delegate* unmanaged<nint, nint, int>)&IndexOf),
+                (delegate* unmanaged<nint, nint, int>)&SequenceContains,
+                (delegate* unmanaged<nint, nint, int>)&SequenceIndexOf),
             Streams(), null));
         Host("SetPyGenericCallbacks", TypedReaders());
         Entry.Void("ExchangeHost", "InitServices");

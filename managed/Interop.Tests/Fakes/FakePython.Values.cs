@@ -55,9 +55,20 @@ internal static unsafe partial class FakePython
     private static nint CreateBytes(byte* data, int length) =>
         New(new ReadOnlySpan<byte>(data, length).ToArray());
 
+    // An error that stands where a value should makes its reader fail.
+    private static bool Unreadable(nint pyObject)
+    {
+        Error = Value(pyObject) as FakeError ?? Error;
+        return Value(pyObject) is FakeError;
+    }
+
     [UnmanagedCallersOnly]
     private static int ReadString(nint pyObject, PyStringArg* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         Lend((string)Value(pyObject), result, pyObject);
         return 1;
     }
@@ -68,6 +79,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadVersLong(nint pyObject, ulong* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         switch (Value(pyObject))
         {
             case int number:
@@ -87,6 +102,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadDouble(nint pyObject, double* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         *result = (double)Value(pyObject);
         return 1;
     }
@@ -105,6 +124,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadDateTime(nint pyObject, long* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         if (Value(pyObject) is DateTimeOffset aware)
         {
             result[0] = aware.Ticks;
@@ -119,6 +142,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadDecimalTuple(nint pyObject, uint* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         decimal.GetBits(9.09m).CopyTo(new Span<int>(result, 4));
         return 1;
     }
@@ -126,6 +153,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadDate(nint pyObject, long* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         *result = new DateTime(2011, 11, 11).Ticks;
         return 1;
     }
@@ -133,6 +164,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadTime(nint pyObject, long* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         *result = new TimeSpan(12, 12, 12).Ticks | (1L << 62);
         return 1;
     }
@@ -140,6 +175,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadTimeDelta(nint pyObject, long* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         *result = ((TimeSpan)Value(pyObject)).Ticks;
         return 1;
     }
@@ -147,6 +186,10 @@ internal static unsafe partial class FakePython
     [UnmanagedCallersOnly]
     private static int ReadGuid(nint pyObject, byte* result)
     {
+        if (Unreadable(pyObject))
+        {
+            return 0;
+        }
         ((Guid)Value(pyObject)).TryWriteBytes(new Span<byte>(result, 16));
         return 1;
     }

@@ -150,7 +150,11 @@ internal static unsafe class Elements<T>
         nint handle = typeof(T).IsValueType || typeof(T).IsInterface
             ? variant->Value
             : *(nint*)block;
-        return (T)Handles.Optional<object>(handle)!;
+        // None among structs has no value, as in an argument of that type.
+        object? element = typeof(T).IsValueType
+            ? Handles.Target<object>(handle)
+            : Handles.Optional<object>(handle);
+        return (T)element!;
     }
 
     private static object? DecodeArray(VariantArg* variant)

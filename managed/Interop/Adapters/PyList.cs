@@ -20,11 +20,7 @@ internal unsafe class PyList(nint pyObject) : PyItems(pyObject), IList
             CheckIndex(PyApi.List->GetItem(PyObject, index, &item));
             return Args.Variant(&item);
         }
-        set
-        {
-            CheckIndex(index < 0 ? -1 : 0, index);
-            CheckIndex(PyApi.List->SetItem(PyObject, index, NewItem(value)));
-        }
+        set => CheckIndex(PyApi.List->SetItem(PyObject, index, NewItem(value)));
     }
 
     public int Add(object? value)
@@ -77,14 +73,6 @@ internal unsafe class PyList(nint pyObject) : PyItems(pyObject), IList
 
     /// <summary>A Python object of a value that goes into the list, which consumes it.</summary>
     private protected static nint NewItem(object? value) => Bridge.Checked(Results.Variant(value));
-
-    private static void CheckIndex(int status, int index)
-    {
-        if (status != 0)
-        {
-            throw new ArgumentOutOfRangeException(nameof(index));
-        }
-    }
 
     // -2 is Python's IndexError, for which managed code has an exception of its own.
     private static void CheckIndex(int status)

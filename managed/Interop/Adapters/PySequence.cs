@@ -26,15 +26,21 @@ internal unsafe class PySequence(nint pyObject) : PyItems(pyObject), IList
     public bool Contains(object? value)
     {
         nint item = Bridge.Checked(Results.Variant(value));
-        int answer = PyApi.Sequence->Contains(PyObject, item);
-        return answer >= 0 ? answer != 0 : throw Bridge.PythonError();
+        return Found(PyApi.Sequence->Contains(PyObject, item)) > 0;
     }
 
     public int IndexOf(object? value)
     {
         nint item = Bridge.Checked(Results.Variant(value));
-        int index = PyApi.Sequence->IndexOf(PyObject, item);
-        return index >= -1 ? index : throw Bridge.PythonError();
+        return Found(PyApi.Sequence->IndexOf(PyObject, item));
+    }
+
+    // A comparison that raises ends the search as a find does, and a size that cannot be told as a
+    // search in vain; the error tells them apart.
+    private static int Found(int answer)
+    {
+        PythonException? error = Bridge.PendingError();
+        return error is null && answer >= -1 ? answer : throw error ?? Bridge.PythonError();
     }
 
     public int Add(object? value) => throw ReadOnly();
