@@ -142,6 +142,82 @@ def test_an_element_of_no_known_form(count_case):
         assert "TypeError: unknown variant type" in told(Collections.join_all, items)
 
 
+class Unequal:
+    """Cannot be compared."""
+
+    __eq__ = boom
+    __hash__ = object.__hash__
+
+
+SEARCHES = [Collections.contains, Collections.index_of]
+
+
+def test_a_comparison_that_raises(count_case):
+    for items in ([Unequal()], (Unequal(),)):
+        for search in SEARCHES:
+            count_case()
+            told_whole(search, items, 5)
+    count_case()
+    items = [Unequal()]
+    told_whole(Collections.remove, items, 5)
+    assert len(items) == 1
+
+
+class BrokenList(list):
+    pop = clear = boom
+
+
+def test_a_change_that_raises(count_case):
+    items = BrokenList([1, 2])
+    for change in (Collections.clear, lambda items: Collections.remove_at(items, 0)):
+        count_case()
+        told_whole(change, items)
+    assert items == [1, 2]
+
+
+def test_an_index_that_no_item_has(count_case):
+    items = [1, 2]
+    for change in (
+        lambda: Collections.replace(items, 2, 5),
+        lambda: Collections.insert(items, 3, 5),
+        lambda: Collections.remove_at(items, 2),
+    ):
+        count_case()
+        assert "ArgumentOutOfRangeException" in told(change)
+    assert items == [1, 2]
+
+
+def test_an_item_that_cannot_be_made_for_a_list(count_case):
+    """The value comes back out of managed code, where it has become a text that Python refuses."""
+    items = [1]
+    for change in (
+        lambda: Collections.add_to(items, "a\ud800"),
+        lambda: Collections.insert(items, 0, "a\ud800"),
+        lambda: Collections.replace(items, 0, "a\ud800"),
+        lambda: Collections.contains(items, "a\ud800"),
+        lambda: Collections.index_of((1,), "a\ud800"),
+    ):
+        count_case()
+        assert "LookupError: unknown error handler name ''" in told(change)
+    assert items == [1]
+
+
+def test_an_element_of_a_typed_array_that_cannot_be_read(count_case):
+    for items in ([1, "x"], (1, "x")):
+        count_case()
+        words = "TypeError: integer argument expected, got 'str'"
+        assert words in told(Collections.sum_array, items)
+    count_case()
+    told_whole(Collections.sum_array, BrokenSequence("getitem"))
+
+
+def test_what_managed_code_makes_of_a_type_that_is_not_bound(count_case):
+    count_case()
+    with pytest.raises(TypeError, match="^unknown wrapper type$"):
+        Variants.make("unbound")
+    assert PENDING() is None
+
+
 # Readers of values.
 
 
