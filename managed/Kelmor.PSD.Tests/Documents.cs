@@ -33,6 +33,31 @@ internal static class Documents
         }
     }
 
+    /// <summary>What the document is saved as.</summary>
+    public static byte[] Bytes(PsdImage image)
+    {
+        var stream = new MemoryStream();
+        image.Save(stream);
+        return stream.ToArray();
+    }
+
+    public static PsdImage Loaded(byte[] content) =>
+        (PsdImage)Image.Load(new MemoryStream(content));
+
+    /// <summary>The document after saving and loading.</summary>
+    public static PsdImage Again(PsdImage image) => Loaded(Bytes(image));
+
+    /// <summary>A document of zeros in one channel, 8 x 1, with a palette of zeros if it is
+    /// indexed.</summary>
+    public static PsdImage Flat(ColorModes mode, int depth)
+    {
+        byte[] head = [.. "8BPS"u8, 0, 1, .. new byte[6], 0, 1, 0, 0, 0, 1, 0, 0, 0, 8];
+        byte[] kind = [0, (byte)depth, 0, (byte)mode];
+        byte[] palette = mode == ColorModes.Indexed ? [0, 0, 3, 0, .. new byte[768]] : new byte[4];
+        byte[] sections = [.. new byte[8], 0, 0, .. new byte[8 * depth / 8]];
+        return Loaded([.. head, .. kind, .. palette, .. sections]);
+    }
+
     public static void AssertSame(Layer expected, Layer found)
     {
         Assert.Equal(expected.GetType(), found.GetType());

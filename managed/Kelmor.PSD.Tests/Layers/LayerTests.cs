@@ -72,6 +72,16 @@ public class LayerTests
     }
 
     [Fact]
+    public void A_blend_mode_that_is_not_known_is_kept()
+    {
+        using var image = Made();
+        image.Layers[0].Record.BlendMode = 0x41424344;
+        using var again = Again(image);
+        Assert.Equal(BlendMode.Absent, again.Layers[0].BlendModeKey);
+        Assert.Equal(0x41424344, again.Layers[0].Record.BlendMode);
+    }
+
+    [Fact]
     public void Pixels_are_read_again()
     {
         using var image = Made();

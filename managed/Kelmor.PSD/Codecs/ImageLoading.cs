@@ -74,13 +74,7 @@ internal static class ImageLoading
                 $"Images of the format {options.Format} cannot be made."
             );
         }
-        var image = new PsdImage(
-            width,
-            height,
-            psd.ColorMode,
-            psd.ChannelBitsCount,
-            psd.CompressionMethod
-        );
+        var image = PsdImage.Create(psd, width, height);
         if (options.ResolutionSettings is { } resolution)
         {
             image.SetResolution(resolution.HorizontalResolution, resolution.VerticalResolution);

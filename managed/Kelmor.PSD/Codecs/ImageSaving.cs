@@ -20,6 +20,12 @@ internal static class ImageSaving
         {
             throw new ImageSaveException("The stream cannot be written.");
         }
+        if (options?.MultiPageOptions is not null)
+        {
+            throw new NotSupportedException(
+                $"The format {options.Format} has no pages: 'MultiPageOptions' must be null."
+            );
+        }
         if (!area.IsEmpty)
         {
             area = Image.GetFittingRectangle(area, image.Width, image.Height);
@@ -98,18 +104,18 @@ internal static class ImageSaving
                 "Only images that consist of pixels can be saved as documents."
             );
         }
-        using var single = SingleLayer(raster, area.IsEmpty ? image.Bounds : area);
+        using var single = SingleLayer(raster, options, area.IsEmpty ? image.Bounds : area);
         PsdWriter.Write(single, stream, options ?? new PsdOptions(single));
     }
 
     // A part of an image, or an image of another kind, becomes a document of one layer.
-    private static PsdImage SingleLayer(RasterImage image, Rectangle area)
+    private static PsdImage SingleLayer(RasterImage image, PsdOptions? options, Rectangle area)
     {
         if (area.Width <= 0 || area.Height <= 0)
         {
             throw new ImageSaveException("An image without pixels cannot be saved.");
         }
-        var document = new PsdImage(area.Width, area.Height);
+        var document = PsdImage.Create(options ?? new PsdOptions(), area.Width, area.Height);
         var layer = document.AddRegularLayer();
         foreach (var band in image.Bands(area))
         {

@@ -12,8 +12,7 @@ internal static class LayerState
 
     public static Layer? Selected(PsdFile file)
     {
-        var state = file.Resources.Find(resource => resource.ID == Id);
-        if (state is not { DataSize: >= 2 })
+        if (Find(file) is not { DataSize: >= 2 } state)
         {
             return file.Layers.Layers.LastOrDefault();
         }
@@ -28,18 +27,38 @@ internal static class LayerState
         {
             throw new PsdImageArgumentException("The layer does not belong to this document.");
         }
-        var data = new byte[2];
-        BinaryPrimitives.WriteUInt16BigEndian(data, (ushort)index);
-        var state = file.Resources.Find(resource => resource.ID == Id);
-        if (state is null)
+        if (Find(file) is { } state)
         {
-            file.Resources.Add(
-                new UnknownResource(ResourceBlock.DefaultSignature, Id, default, data)
-            );
+            state.Data = Stored(index);
         }
         else
         {
-            state.Data = data;
+            file.Resources.Add(
+                new UnknownResource(ResourceBlock.DefaultSignature, Id, default, Stored(index))
+            );
         }
+    }
+
+    /// <summary>
+    /// Follows the selected layer to its new place; when it is gone, the top layer is selected.
+    /// </summary>
+    public static void Keep(PsdFile file, Layer? selected)
+    {
+        var layers = file.Layers.Layers;
+        if (Find(file) is { } state && layers.Count > 0)
+        {
+            var index = selected is null ? -1 : layers.IndexOf(selected);
+            state.Data = Stored(index < 0 ? layers.Count - 1 : index);
+        }
+    }
+
+    private static ResourceBlock? Find(PsdFile file) =>
+        file.Resources.Find(resource => resource.ID == Id);
+
+    private static byte[] Stored(int index)
+    {
+        var data = new byte[2];
+        BinaryPrimitives.WriteUInt16BigEndian(data, (ushort)index);
+        return data;
     }
 }

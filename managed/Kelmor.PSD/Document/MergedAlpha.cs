@@ -16,11 +16,7 @@ internal static class MergedAlpha
         {
             return true;
         }
-        if (
-            file.Layers.Blocks.Exists(block =>
-                TaggedBlocks.Letters(block.KeyCode) is "Mtrn" or "Mt16" or "Mt32"
-            )
-        )
+        if (file.Layers.Blocks.Exists(block => TaggedBlocks.IsTransparencyMark(block.KeyCode)))
         {
             return true;
         }

@@ -81,6 +81,7 @@ public partial class PsdImage
         get => [.. File.Resources];
         set
         {
+            VerifyNotDisposed();
             ArgumentNullException.ThrowIfNull(value);
             File.Resources.Clear();
             File.Resources.AddRange(value);
@@ -110,7 +111,6 @@ public partial class PsdImage
         get => [.. File.Layers.Layers];
         set
         {
-            VerifyNotDisposed();
             Tree.ReplaceAll(value);
         }
     }
@@ -121,9 +121,14 @@ public partial class PsdImage
         get => [.. File.Layers.Blocks];
         set
         {
+            VerifyNotDisposed();
             ArgumentNullException.ThrowIfNull(value);
             File.Layers.Blocks.Clear();
             File.Layers.Blocks.AddRange(value);
+            if (File.Layers.PlaceBlock is { } place && !value.Contains(place))
+            {
+                File.Layers.Blocks.Insert(0, place); // the layers themselves
+            }
             WatchGlobalBlocks();
             File.Layers.IsChanged = true;
         }
@@ -141,6 +146,7 @@ public partial class PsdImage
         get => File.Layers.HasMergedTransparency;
         set
         {
+            VerifyNotDisposed();
             if (value != File.Layers.HasMergedTransparency)
             {
                 File.Layers.HasMergedTransparency = value;
@@ -153,7 +159,11 @@ public partial class PsdImage
     public Layer? ActiveLayer
     {
         get => LayerState.Selected(File);
-        set => LayerState.Select(File, value);
+        set
+        {
+            VerifyNotDisposed();
+            LayerState.Select(File, value);
+        }
     }
 
     /// <summary>True when the document has no layers.</summary>

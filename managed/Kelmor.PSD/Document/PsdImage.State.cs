@@ -1,4 +1,5 @@
 // How a document keeps its sections, and what its changes mean for the merged image.
+using Kelmor.PSD.CoreExceptions.ImageFormats;
 using Kelmor.PSD.FileFormats.Psd.Channels;
 using Kelmor.PSD.FileFormats.Psd.Layers;
 using Kelmor.PSD.FileFormats.Psd.Resources;
@@ -17,6 +18,8 @@ public partial class PsdImage
 {
     private int[]? palette;
     private bool ignoreAlpha;
+    private bool showsStored;
+    private MergedImage? rendered; // of the layers as they are; null until somebody looks
 
     internal PsdFile File { get; }
 
@@ -27,31 +30,36 @@ public partial class PsdImage
     /// <summary>Place that the options of a new image named, or null.</summary>
     internal Source? CreationSource { get; set; }
 
-    /// <summary>True for a document that was made here and has no stored merged image.</summary>
-    internal bool IsNew { get; }
+    /// <summary>True for a document that was made here.</summary>
+    internal bool IsNew { get; private init; }
 
-    /// <summary>True when the layers look different from what the merged image shows.</summary>
+    /// <summary>True when the stored merged image does not show the layers.</summary>
     internal bool IsMergedStale { get; private set; }
+
+    /// <summary>
+    /// What the document looks like: the stored merged image, or one that is rendered when that
+    /// does not show the layers.
+    /// </summary>
+    /// <remarks>
+    /// A document with layers that cannot be rendered shows the stored image: a picture of its
+    /// earlier state is worth more than none. Looking never changes what is saved.
+    /// </remarks>
+    internal MergedImage Picture =>
+        IsMergedStale && !showsStored && (IsNew || Rendering.Renderable.Is(this))
+            ? rendered ??= Rendering.MergedPicture.Render(this)
+            : File.Merged;
 
     /// <summary>Layers and groups of the lowest level, bottom to top.</summary>
     internal List<Layer> Roots =>
         File.Layers.Layers.FindAll(layer => layer is { Parent: null } and not SectionDividerLayer);
 
-    /// <summary>A field of a layer changed.</summary>
+    /// <summary>Layers were added, removed or moved, or one of them changed.</summary>
     internal void OnLayerChanged()
     {
         File.Layers.IsChanged = true;
         IsMergedStale = true;
+        rendered = null;
     }
-
-    /// <summary>Pixels of a layer changed.</summary>
-    internal void OnPixelsChanged() => OnLayerChanged();
-
-    /// <summary>Layers were added, removed or moved.</summary>
-    internal void OnStructureChanged() => OnLayerChanged();
-
-    /// <summary>The merged image shows the layers again.</summary>
-    internal void OnMergedRefreshed() => IsMergedStale = false;
 
     internal T? FindResource<T>()
         where T : ResourceBlock => File.Resources.OfType<T>().FirstOrDefault();
@@ -59,6 +67,7 @@ public partial class PsdImage
     internal T FindOrAddResource<T>(Func<T> make)
         where T : ResourceBlock
     {
+        VerifyNotDisposed();
         if (FindResource<T>() is { } found)
         {
             return found;
@@ -75,7 +84,7 @@ public partial class PsdImage
     internal int[]? IndexedColors =>
         palette ??=
             ColorMode == ColorModes.Indexed
-                ? PaletteReader.Read(
+                ? IndexedPalette.Read(
                     File.ColorModeData.Span,
                     FindResource<TransparencyIndexResource>()?.TransparencyIndex ?? -1
                 )
@@ -100,16 +109,11 @@ public partial class PsdImage
     protected override void SaveData(Stream stream) =>
         ImageSaving.Save(this, stream, GetOriginalOptions(), Rectangle.Empty);
 
-    private protected override void PreparePixels()
-    {
-        Rendering.MergedPicture.Refresh(this);
-        File.Merged.Decode();
-    }
+    private protected override void PreparePixels() => Picture.Decode();
 
     internal override void ReadPixels(Rectangle area, Span<int> pixels)
     {
-        PreparePixels();
-        var planes = File.Merged.Decode();
+        var planes = Picture.Decode();
         var alpha = MergedAlphaIndex;
         var colors = planes[..File.Header.ColorChannels];
         PixelReader.Read(
@@ -138,7 +142,7 @@ public partial class PsdImage
             );
         }
         PixelWriter.VerifySupported(ColorMode, BitsPerChannel);
-        var planes = Array.ConvertAll(File.Merged.Decode(), plane => (byte[])plane.Clone());
+        var planes = Array.ConvertAll(Picture.Decode(), plane => (byte[])plane.Clone());
         var alpha = MergedAlphaIndex;
         var colors = planes[..File.Header.ColorChannels];
         var matted = pixels.ToArray();
@@ -158,6 +162,7 @@ public partial class PsdImage
             matted
         );
         File.Merged.Replace(planes);
+        (IsMergedStale, rendered) = (false, null);
     }
 
     private protected override void DecodePixels()
@@ -176,9 +181,30 @@ public partial class PsdImage
         base.ReleaseManagedResources();
     }
 
+    // The indexes of the pixels stay, so the document changes its colours.
+    private protected override void OnPaletteChanged()
+    {
+        if (IndexedColors is not { } present)
+        {
+            return;
+        }
+        VerifyNotDisposed();
+        if (Palette is null)
+        {
+            throw new PsdImageArgumentException("An indexed document needs a palette.");
+        }
+        if (!Palette.Argb32Entries.SequenceEqual(present))
+        {
+            File.ColorModeData = IndexedPalette.Pack(Palette);
+            palette = null;
+        }
+    }
+
     private void ApplyOptions(LoadOptions? options)
     {
         WatchGlobalBlocks();
+        var isReal = FindResource<VersionInfoResource>() is not { HasRealMergedData: false };
+        IsMergedStale = !IsFlatten && !(isReal && File.Merged.IsPresent);
         if (IndexedColors is { } colors)
         {
             Palette = new PsdColorPalette(
@@ -192,6 +218,7 @@ public partial class PsdImage
         }
         BufferSizeHint = options.BufferSizeHint;
         ignoreAlpha = options is PsdLoadOptions { IgnoreAlphaChannel: true };
+        showsStored = options is PsdLoadOptions { ReadOnlyMode: true };
         File.Layers.Layers.ForEach(layer => layer.LayerOptions = options);
     }
 
@@ -201,6 +228,7 @@ public partial class PsdImage
     private void ReplaceResource<T>(T? resource)
         where T : ResourceBlock
     {
+        VerifyNotDisposed();
         var at = File.Resources.FindIndex(candidate => candidate is T);
         if (at >= 0)
         {

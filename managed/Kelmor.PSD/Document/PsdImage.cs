@@ -11,6 +11,12 @@ namespace Kelmor.PSD.FileFormats.Psd;
 /// <summary>
 /// A layered document in PSD or PSB format (Adobe Photoshop File Formats Specification).
 /// </summary>
+/// <remarks>
+/// Its own pixels are those of the stored merged image. When that does not show the layers, because
+/// they were changed or the document says so itself, the layers are rendered; in a document that
+/// cannot be rendered (neither RGB nor grayscale, or with adjustments, fills, effects or vector
+/// masks) the stored image is shown as it is.
+/// </remarks>
 public partial class PsdImage : RasterCachedImage
 {
     /// <summary>Loads a document from a file.</summary>
@@ -80,6 +86,24 @@ public partial class PsdImage : RasterCachedImage
         IsMergedStale = true;
     }
 
+    /// <summary>Makes an empty document of the kind that options name.</summary>
+    internal static PsdImage Create(PsdOptions options, int width, int height) =>
+        new(
+            PsdCreation.Create(
+                width,
+                height,
+                options.ColorMode,
+                options.ChannelBitsCount,
+                options.CompressionMethod,
+                options.WantedChannels
+            ),
+            null
+        )
+        {
+            IsNew = true,
+            IsMergedStale = true,
+        };
+
     private PsdImage(PsdFile file, LoadOptions? loadOptions)
     {
         File = file;
@@ -130,7 +154,10 @@ public partial class PsdImage : RasterCachedImage
     public override void ReplaceNonTransparentColors(int newColorArgb) =>
         ForPixelLayers(layer => layer.ReplaceNonTransparentColors(newColorArgb));
 
-    /// <summary>Puts a layer on top of all others; it must belong to no document yet.</summary>
+    /// <summary>
+    /// Puts a layer on top of all others; it must belong to no document yet. The picture of a
+    /// document that has no layers becomes the layer "Background" below it.
+    /// </summary>
     /// <exception cref="PsdImageArgumentException">The layer belongs to a document; add a copy of
     /// it.</exception>
     public void AddLayer(Layer layer) => Tree.Insert(null, layer, Roots.Count);

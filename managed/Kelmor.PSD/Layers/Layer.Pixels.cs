@@ -70,12 +70,15 @@ public partial class Layer
             pixels
         );
         Touch();
-        Document?.OnPixelsChanged();
     }
 
     /// <summary>Takes the layer over into a document of another kind.</summary>
     internal void AdaptTo(PsdHeader header)
     {
+        if (header.IsBig != Header.IsBig)
+        {
+            Record.ForgetRaw(); // some of its lengths have another size there
+        }
         if (header.Mode == Header.Mode && header.Depth == Header.Depth)
         {
             Header = header;
@@ -85,6 +88,7 @@ public partial class Layer
         var area = new Rectangle(0, 0, Record.Width, Record.Height);
         var pixels = new int[PixelAreas.Count(area)];
         ReadPixels(area, pixels);
+        LayerPixels.ConvertMasks(Record, Header.Depth, header.Depth);
         Header = header;
         Record.IsChanged = true;
         LayerPixels.Clear(Record, header);

@@ -42,6 +42,7 @@ public partial class Layer
     internal T FindOrAdd<T>(string key, Func<T> make)
         where T : LayerResource
     {
+        VerifyNotDisposed();
         if (Find<T>(key) is { } found)
         {
             return found;
@@ -71,6 +72,7 @@ public partial class Layer
 
     private void Rename(string name)
     {
+        VerifyNotDisposed();
         ArgumentNullException.ThrowIfNull(name);
         if (name == Name && Record.Has("luni"))
         {

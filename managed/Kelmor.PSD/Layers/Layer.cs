@@ -103,6 +103,7 @@ public partial class Layer : RasterCachedImage
         get => [.. Record.Blocks];
         set
         {
+            VerifyNotDisposed();
             ArgumentNullException.ThrowIfNull(value);
             Record.Blocks.Clear();
             Record.Blocks.AddRange(value);
@@ -168,14 +169,14 @@ public partial class Layer : RasterCachedImage
         }
     }
 
-    /// <summary>Upper edge in the document; setting it moves the layer.</summary>
+    /// <summary>Upper edge in the document; setting it moves the pixels, not the mask.</summary>
     public int Top
     {
         get => Record.Top;
         set => MoveTo(Record.Left, value);
     }
 
-    /// <summary>Left edge in the document; setting it moves the layer.</summary>
+    /// <summary>Left edge in the document; setting it moves the pixels, not the mask.</summary>
     public int Left
     {
         get => Record.Left;
@@ -183,7 +184,7 @@ public partial class Layer : RasterCachedImage
     }
 
     /// <summary>
-    /// Lower edge in the document, outside of the layer; setting it moves the layer.
+    /// Lower edge in the document, outside of the layer; setting it moves the pixels, not the mask.
     /// </summary>
     public int Bottom
     {
@@ -192,7 +193,7 @@ public partial class Layer : RasterCachedImage
     }
 
     /// <summary>
-    /// Right edge in the document, outside of the layer; setting it moves the layer.
+    /// Right edge in the document, outside of the layer; setting it moves the pixels, not the mask.
     /// </summary>
     public int Right
     {
@@ -209,10 +210,10 @@ public partial class Layer : RasterCachedImage
     /// <summary>"8BIM" as a big-endian number.</summary>
     public int BlendModeSignature => unchecked((int)Record.Signature);
 
-    /// <summary>Blend mode.</summary>
+    /// <summary>Blend mode; Absent for a key that is not known, which is kept.</summary>
     public virtual BlendMode BlendModeKey
     {
-        get => (BlendMode)Record.BlendMode;
+        get => BlendModes.Known(Record.BlendMode);
         set
         {
             if (!Enum.IsDefined(value) || value == BlendMode.Absent)

@@ -27,6 +27,7 @@ public class LayerGroup : Layer
         get => Section?.SectionType != LayerSectionType.ClosedFolder;
         set
         {
+            VerifyNotDisposed();
             if (Section is { } section)
             {
                 section.SectionType = value

@@ -1,5 +1,4 @@
 // The raster mask of a layer, in its short and its full form.
-using System.Buffers.Binary;
 
 namespace Kelmor.PSD.FileFormats.Psd.Layers;
 
@@ -42,19 +41,6 @@ public abstract class LayerMaskData
             < MaskRectangles.WithRealMask => new LayerMaskDataShort(data),
             _ => new LayerMaskDataFull(data),
         };
-
-    /// <summary>The form without a second mask.</summary>
-    internal static byte[] Build(Rectangle area, byte defaultColor, LayerMaskFlags flags)
-    {
-        var built = new byte[20];
-        BinaryPrimitives.WriteInt32BigEndian(built, area.Top);
-        BinaryPrimitives.WriteInt32BigEndian(built.AsSpan(4), area.Left);
-        BinaryPrimitives.WriteInt32BigEndian(built.AsSpan(8), area.Bottom);
-        BinaryPrimitives.WriteInt32BigEndian(built.AsSpan(12), area.Right);
-        built[16] = defaultColor;
-        built[17] = (byte)flags;
-        return built;
-    }
 }
 
 /// <summary>A mask alone.</summary>

@@ -84,6 +84,15 @@ internal sealed class LayerRecord
         return new PlaneLayout(Width, Height, depth);
     }
 
+    /// <summary>
+    /// Lets go of the bytes as read, so that the record and its blocks are written anew.
+    /// </summary>
+    public void ForgetRaw()
+    {
+        IsChanged = true;
+        Blocks.ForEach(block => block.Raw = default);
+    }
+
     /// <summary>A copy that changes on its own.</summary>
     public LayerRecord Copy()
     {

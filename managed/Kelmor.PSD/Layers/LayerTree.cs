@@ -12,6 +12,9 @@ internal sealed class LayerTree(PsdImage image)
 {
     private const int MostLayers = short.MaxValue;
 
+    // Ten times what Photoshop allows. Rendering takes room for each level.
+    private const int DeepestLevel = 100;
+
     private List<Layer> Flat => image.File.Layers.Layers;
 
     /// <summary>
@@ -45,17 +48,20 @@ internal sealed class LayerTree(PsdImage image)
     public void Insert(LayerGroup? parent, Layer layer, int index)
     {
         ArgumentNullException.ThrowIfNull(layer);
-        VerifyFree(layer);
-        VerifyRoom(2);
-        var at = FlatIndex(parent, index);
-        layer.AdaptTo(image.File.Header);
-        if (layer is LayerGroup group)
+        ObjectDisposedException.ThrowIf(image.Disposed, image);
+        if (layer is SectionDividerLayer)
         {
-            Flat.Insert(at, CreateEnd(group));
-            at++;
+            throw new PsdImageArgumentException("The end mark of a group comes with its group.");
         }
-        Flat.Insert(at, layer);
-        Changed();
+        var added = WithContent(layer).ToList();
+        added.ForEach(VerifyFree);
+        var layers = Flat.ToList();
+        layers.InsertRange(FlatIndex(parent, index), added);
+        if (BackgroundLayer.Of(image) is { } background)
+        {
+            layers.Insert(0, background);
+        }
+        Take(layers);
     }
 
     /// <summary>Puts a new empty group into another one, or on the lowest level.</summary>
@@ -73,15 +79,9 @@ internal sealed class LayerTree(PsdImage image)
     public void ReplaceAll(Layer[] layers)
     {
         ArgumentNullException.ThrowIfNull(layers);
+        ObjectDisposedException.ThrowIf(image.Disposed, image);
         Verify(layers);
-        foreach (var gone in Flat.Except(layers).ToList())
-        {
-            Detach(gone);
-        }
-        Adopt(layers);
-        Flat.Clear();
-        Flat.AddRange(layers);
-        Changed();
+        Take(layers);
     }
 
     /// <summary>
@@ -129,7 +129,9 @@ internal sealed class LayerTree(PsdImage image)
             return [layer];
         }
         var end = group.End ?? CreateEnd(group);
-        return [end, .. group.Children.SelectMany(WithContent), group];
+        // Layers that have left a free group since then are elsewhere now.
+        var children = group.Children.Where(child => child.Document == group.Document);
+        return [end, .. children.SelectMany(WithContent), group];
     }
 
     private int FlatIndex(LayerGroup? parent, int index)
@@ -158,12 +160,6 @@ internal sealed class LayerTree(PsdImage image)
 
     private void Verify(Layer[] layers)
     {
-        if (layers.Length > MostLayers)
-        {
-            throw new PsdImageArgumentException(
-                $"A document holds at most {MostLayers} layer records, not {layers.Length}."
-            );
-        }
         var seen = new HashSet<Layer>();
         var depth = 0;
         foreach (var layer in layers)
@@ -206,28 +202,78 @@ internal sealed class LayerTree(PsdImage image)
         }
     }
 
-    private void VerifyRoom(int count)
+    /// <summary>Refuses groups that are nested too deep to be worked on.</summary>
+    public static void VerifyDepth(IEnumerable<Layer> layers)
     {
-        if (Flat.Count + count > MostLayers)
+        var depth = 0;
+        foreach (var layer in layers)
+        {
+            depth +=
+                layer is SectionDividerLayer ? 1
+                : layer is LayerGroup && depth > 0 ? -1
+                : 0;
+            if (depth > DeepestLevel)
+            {
+                throw new PsdImageException(
+                    $"The groups of the document are nested more than {DeepestLevel} deep."
+                );
+            }
+        }
+    }
+
+    // Everything that can fail comes before the first change.
+    private void Take(IReadOnlyCollection<Layer> layers)
+    {
+        if (layers.Count > MostLayers)
         {
             throw new PsdImageArgumentException(
-                $"A document holds at most {MostLayers} layer records."
+                $"A document holds at most {MostLayers} layer records, not {layers.Count}."
             );
         }
+        VerifyDepth(layers);
+        Adopt(layers.Where(layer => layer.Document is null));
+        var selected = image.ActiveLayer;
+        if (Flat.Count == 0 && layers.Count > 0)
+        {
+            image.File.Layers.ChoosePlace(image.File.Header.Depth);
+        }
+        var gone = Flat.Except(layers).ToHashSet();
+        Flat.Clear();
+        Flat.AddRange(layers);
+        Detach(gone);
+        Link();
+        LayerState.Keep(image.File, selected);
+        image.OnLayerChanged();
     }
 
-    private void Adopt(Layer[] layers)
+    private void Adopt(IEnumerable<Layer> layers)
     {
-        foreach (var layer in layers.Where(layer => layer.Document is null))
+        var header = image.File.Header;
+        foreach (var layer in layers)
         {
-            layer.AdaptTo(image.File.Header);
+            if (header.Mode is ColorModes.Bitmap or ColorModes.Indexed or ColorModes.Multichannel)
+            {
+                throw new PsdImageArgumentException(
+                    $"A document of the mode {header.Mode} holds no layers."
+                );
+            }
+            layer.AdaptTo(header);
         }
     }
 
-    private static void Detach(Layer layer)
+    // What leaves the document stays together: a group keeps the layers that leave with it.
+    private static void Detach(HashSet<Layer> gone)
     {
-        layer.Document = null;
-        layer.Parent = null;
+        foreach (var layer in gone)
+        {
+            layer.Document = null;
+            layer.Parent = null;
+            if (layer is LayerGroup group)
+            {
+                group.Children.RemoveAll(child => !gone.Contains(child));
+                group.End = group.End is { } end && gone.Contains(end) ? end : null;
+            }
+        }
     }
 
     private SectionDividerLayer CreateEnd(LayerGroup group)
@@ -256,11 +302,5 @@ internal sealed class LayerTree(PsdImage image)
         );
         LayerPixels.AddEmptyChannels(record, image.File.Header);
         return LayerKinds.Create(record, image.File.Header);
-    }
-
-    private void Changed()
-    {
-        Link();
-        image.OnStructureChanged();
     }
 }

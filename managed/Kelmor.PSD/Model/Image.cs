@@ -237,6 +237,7 @@ public abstract class Image : DataStreamSupporter
         {
             palette = value;
             UsePalette = value is not null;
+            OnPaletteChanged();
         }
     }
 
@@ -274,6 +275,9 @@ public abstract class Image : DataStreamSupporter
             HasBackgroundColor = true;
         }
     }
+
+    /// <summary>Takes the new palette over into what is saved.</summary>
+    private protected virtual void OnPaletteChanged() { }
 
     /// <summary>Stops with an exception when somebody asked for it.</summary>
     internal void VerifyNotInterrupted()

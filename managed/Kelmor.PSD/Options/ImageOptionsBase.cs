@@ -41,7 +41,9 @@ public abstract class ImageOptionsBase : DisposableObject
     /// <summary>Place of a new image.</summary>
     public Source? Source { get; set; }
 
-    /// <summary>Palette of the saved image; null keeps that of the image.</summary>
+    /// <summary>
+    /// Palette of the saved image; null keeps that of the image. Only indexed images have one.
+    /// </summary>
     public IColorPalette? Palette { get; set; }
 
     /// <summary>Resolution of the saved image; null keeps that of the image.</summary>
@@ -53,7 +55,7 @@ public abstract class ImageOptionsBase : DisposableObject
     /// <summary>Largest size of internal buffers in megabytes; 0 for no limit.</summary>
     public int BufferSizeHint { get; set; }
 
-    /// <summary>Which pages are saved.</summary>
+    /// <summary>Which pages are saved; must be null for formats without pages.</summary>
     public MultiPageOptions? MultiPageOptions { get; set; }
 
     /// <summary>True: each page fills the whole of the saved image.</summary>

@@ -11,7 +11,17 @@ public class LoadOptions
     public Color DataBackgroundColor { get; set; }
 
     /// <summary>True: colours are converted by the embedded profile.</summary>
-    public bool UseIccProfileConversion { get; set; }
+    public bool UseIccProfileConversion
+    {
+        get => false;
+        set
+        {
+            if (value)
+            {
+                throw NotYet.Member();
+            }
+        }
+    }
 
     /// <summary>Largest size of internal buffers in megabytes; 0 for no limit.</summary>
     public int BufferSizeHint { get; set; }

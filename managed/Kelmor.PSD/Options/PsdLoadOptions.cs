@@ -10,7 +10,10 @@ public class PsdLoadOptions : LoadOptions
     /// <summary>True: data of effects may be kept on disk.</summary>
     public bool UseDiskForLoadEffectsResource { get; set; } = true;
 
-    /// <summary>True: the document is for looking at only, and changes are not kept.</summary>
+    /// <summary>
+    /// True: the document is for looking at, and its picture is the stored merged image whatever
+    /// its layers are.
+    /// </summary>
     public bool ReadOnlyMode { get; set; }
 
     /// <summary>True: the stored width of a text layer does not limit new text.</summary>
@@ -20,5 +23,15 @@ public class PsdLoadOptions : LoadOptions
     public bool IgnoreAlphaChannel { get; set; }
 
     /// <summary>True: warped layers are rendered anew.</summary>
-    public bool AllowWarpRepaint { get; set; }
+    public bool AllowWarpRepaint
+    {
+        get => false;
+        set
+        {
+            if (value)
+            {
+                throw NotYet.Member();
+            }
+        }
+    }
 }

@@ -7,6 +7,8 @@ namespace Kelmor.PSD.ImageOptions;
 /// <summary>How a layered document is saved or made.</summary>
 public class PsdOptions : ImageOptionsBase
 {
+    private const short UsualChannelsCount = 4;
+
     /// <summary>
     /// Options with the defaults: PSD, run-length packed, RGB of 8 bits in 4 channels.
     /// </summary>
@@ -22,7 +24,7 @@ public class PsdOptions : ImageOptionsBase
         PsdVersion = options.PsdVersion;
         ColorMode = options.ColorMode;
         ChannelBitsCount = options.ChannelBitsCount;
-        ChannelsCount = options.ChannelsCount;
+        WantedChannels = options.WantedChannels;
         RemoveGlobalTextEngineResource = options.RemoveGlobalTextEngineResource;
         RefreshImagePreviewData = options.RefreshImagePreviewData;
         UpdateMetadata = options.UpdateMetadata;
@@ -68,22 +70,36 @@ public class PsdOptions : ImageOptionsBase
     /// <summary>Bits of one sample: 1, 8, 16 or 32.</summary>
     public short ChannelBitsCount { get; set; } = 8;
 
-    /// <summary>Number of channels of the merged image.</summary>
-    public short ChannelsCount { get; set; } = 4;
+    /// <summary>
+    /// Number of channels of the merged image: colours, then transparency if there are more. Until
+    /// it is set, a new document has transparency, and saving asks for no other number.
+    /// </summary>
+    public short ChannelsCount
+    {
+        get => WantedChannels ?? UsualChannelsCount;
+        set => WantedChannels = value;
+    }
 
     /// <summary>True: the text resource shared by all layers is left out.</summary>
     public bool RemoveGlobalTextEngineResource { get; set; }
 
     /// <summary>
-    /// True: the merged image is made anew from changed layers; false: the stored one is kept.
+    /// True: a merged image that does not show the layers is made anew; false: the stored one is
+    /// kept. It is also kept when a layer needs more than pixels, raster masks and blend modes to
+    /// be rendered, and in documents that are neither RGB nor grayscale.
     /// </summary>
     public bool RefreshImagePreviewData { get; set; } = true;
 
-    /// <summary>True: metadata such as dates are brought up to date.</summary>
+    /// <summary>
+    /// True: the dates of change in the XMP metadata become the present one; other metadata stay.
+    /// </summary>
     public bool UpdateMetadata { get; set; } = true;
 
     /// <summary>Colour of a new document; Empty for transparent.</summary>
     public Color BackgroundContents { get; set; }
+
+    /// <summary>The number of channels that was asked for, or null.</summary>
+    internal short? WantedChannels { get; private set; }
 
     internal override FileFormat Format => FileFormat.Psd;
 }

@@ -25,21 +25,17 @@ internal sealed class MergedImage
                 : CompressionMethod.Raw;
     }
 
-    /// <summary>A new picture.</summary>
-    public MergedImage(byte[][] planes, PsdHeader header, CompressionMethod method)
+    /// <summary>A new picture, without samples until it is given some.</summary>
+    public MergedImage(PsdHeader header, CompressionMethod method)
     {
-        this.planes = planes;
         this.header = header;
         Method = method;
-        IsChanged = true;
     }
 
-    public CompressionMethod Method { get; set; }
+    public CompressionMethod Method { get; }
 
-    /// <summary>True when the samples differ from the stored ones.</summary>
-    public bool IsChanged { get; private set; }
-
-    public bool IsDecoded => planes is not null;
+    /// <summary>True when nothing is left to be decoded.</summary>
+    public bool IsDecoded => planes is not null || stored.IsEmpty;
 
     /// <summary>True when the document has picture data at all.</summary>
     public bool IsPresent => planes is not null || stored.Length >= 2;
@@ -75,7 +71,6 @@ internal sealed class MergedImage
     {
         planes = samples;
         stored = default;
-        IsChanged = true;
     }
 
     /// <summary>Compression field and packed data, for a document of the given variant.</summary>

@@ -1,5 +1,6 @@
 // The sections of a layered document, each with the bytes that it was read from.
 using Kelmor.PSD.FileFormats.Psd.Layers;
+using Kelmor.PSD.FileFormats.Psd.Layers.LayerResources;
 
 namespace Kelmor.PSD.FileFormats.Psd;
 
@@ -69,4 +70,20 @@ internal sealed class LayerSection
 
     /// <summary>True when layers were added, removed or moved, or a block was changed.</summary>
     public bool IsChanged { get; set; }
+
+    /// <summary>Chooses the place of the first layers of a document.</summary>
+    public void ChoosePlace(int depth)
+    {
+        GlobalMask ??= ReadOnlyMemory<byte>.Empty;
+        if (depth <= 8 || Place == LayerPlace.Block)
+        {
+            return;
+        }
+        var (signature, key) = (TaggedBlocks.Signature, TaggedBlocks.LayersOf(depth));
+        PlaceBlock = new UnknownResource(signature, key, default);
+        // Readers look for it at the head of the blocks, behind the mark of transparency.
+        var hasMark = Blocks.Count > 0 && TaggedBlocks.IsTransparencyMark(Blocks[0].KeyCode);
+        Blocks.Insert(hasMark ? 1 : 0, PlaceBlock);
+        Place = LayerPlace.Block;
+    }
 }

@@ -67,8 +67,17 @@ internal sealed record PsdHeader(
     }
 
     /// <summary>Refuses what the format does not allow.</summary>
-    public void Verify()
+    /// <param name="trouble">What the refusal begins with.</param>
+    public void Verify(string trouble = "The file header is damaged")
     {
+        void Require(bool condition, string otherwise)
+        {
+            if (!condition)
+            {
+                throw new PsdImageException($"{trouble}: {otherwise}.");
+            }
+        }
+
         Require(
             Version is PsdVersion.Psd or PsdVersion.Psb,
             $"the version {(int)Version} is not known"
@@ -89,13 +98,5 @@ internal sealed record PsdHeader(
             Channels >= ColorChannels,
             $"the colour mode {Mode} has {ColorChannels} channels, not {Channels}"
         );
-    }
-
-    private static void Require(bool condition, string otherwise)
-    {
-        if (!condition)
-        {
-            throw new PsdImageException($"The file header is damaged: {otherwise}.");
-        }
     }
 }

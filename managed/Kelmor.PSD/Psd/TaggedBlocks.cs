@@ -26,10 +26,39 @@ internal static class TaggedBlocks
         .Select(Code)
         .ToHashSet();
 
+    // Blocks that get the long signature, and so a length of 8 bytes, in a PSB document only.
+    private static readonly HashSet<uint> KeysOfLongSignature = new[]
+    {
+        "cinf",
+        "artd",
+        "extd",
+        "extn",
+        "pths",
+        "lnk3",
+        "lnkE",
+        "FELS",
+    }
+        .Select(Code)
+        .ToHashSet();
+
+    /// <summary>The signature that a block has in a document of the given variant.</summary>
+    public static uint SignatureFor(uint signature, uint key, bool isBig) =>
+        !isBig ? Signature
+        : KeysOfLongSignature.Contains(key) ? LongSignature
+        : signature;
+
     public static bool IsSignature(uint code) => code is Signature or LongSignature;
 
     public static bool HasLongLength(uint signature, uint key, bool isBig) =>
         isBig && (signature == LongSignature || LongKeys.Contains(key));
+
+    /// <summary>Key of the block that holds the layers of a document of 16 or 32 bits.</summary>
+    public static uint LayersOf(int depth) => Code($"Lr{depth}");
+
+    /// <summary>Key of the block that says: the merged image has transparency.</summary>
+    public static uint TransparencyMark(int depth) => Code(depth > 8 ? $"Mt{depth}" : "Mtrn");
+
+    public static bool IsTransparencyMark(uint key) => Letters(key) is "Mtrn" or "Mt16" or "Mt32";
 
     /// <summary>Four letters as a big-endian number.</summary>
     public static uint Code(string letters) =>

@@ -1,4 +1,4 @@
-// Keeps the merged image of a document in step with its layers.
+// Makes the merged image of a document from its layers.
 using Kelmor.PSD.FileFormats.Psd;
 using Kelmor.PSD.FileFormats.Psd.Channels;
 
@@ -6,27 +6,22 @@ namespace Kelmor.PSD.Rendering;
 
 internal static class MergedPicture
 {
-    /// <summary>Renders the layers when they changed since the merged image was made.</summary>
-    /// <remarks>
-    /// A document with layers that cannot be rendered keeps the merged image that it was loaded
-    /// with: a picture of
-    /// its earlier state is worth more than none.
-    /// </remarks>
-    public static void Refresh(PsdImage image)
+    /// <summary>
+    /// The layers as one picture; channels that are neither colour nor transparency stay as stored.
+    /// </summary>
+    public static MergedImage Render(PsdImage image)
     {
-        if (!image.IsMergedStale || !image.IsNew && !Renderable.Is(image))
-        {
-            return;
-        }
-        var header = image.File.Header;
-        var layout = image.File.Merged.Layout;
-        var planes = image.IsNew
-            ? Blank(header, layout)
-            : Array.ConvertAll(image.File.Merged.Decode(), plane => (byte[])plane.Clone());
+        var (header, stored) = (image.File.Header, image.File.Merged);
         var alpha = image.MergedAlphaIndex;
+        var planes = new byte[header.Channels][];
+        for (var i = 0; i < planes.Length; i++)
+        {
+            var isRendered = i < header.ColorChannels || i == alpha || !stored.IsPresent;
+            planes[i] = isRendered ? new byte[stored.Layout.ArrayLength] : stored.Decode()[i];
+        }
         var target = new PixelPlanes(
             header.Mode,
-            layout,
+            stored.Layout,
             planes[..header.ColorChannels],
             alpha < 0 ? null : planes[alpha],
             null
@@ -37,17 +32,8 @@ internal static class MergedPicture
             MergedAlpha.PutMatteOn(pixels);
             PixelWriter.Write(target, band, pixels);
         }
-        image.File.Merged.Replace(planes);
-        image.OnMergedRefreshed();
-    }
-
-    private static byte[][] Blank(PsdHeader header, PlaneLayout layout)
-    {
-        var planes = new byte[header.Channels][];
-        for (var i = 0; i < planes.Length; i++)
-        {
-            planes[i] = new byte[layout.ArrayLength];
-        }
-        return planes;
+        var picture = new MergedImage(header, stored.Method);
+        picture.Replace(planes);
+        return picture;
     }
 }

@@ -5,6 +5,7 @@ using Kelmor.PSD.FileFormats.Png;
 using Kelmor.PSD.FileFormats.Psd;
 using Kelmor.PSD.FileFormats.Psd.Resources;
 using Kelmor.PSD.ImageOptions;
+using Kelmor.PSD.Xmp;
 
 namespace Kelmor.PSD.Codecs.Png;
 
@@ -32,9 +33,7 @@ internal static class PngExport
             Palette = palette?.Argb32Entries ?? [],
             Density = DensityOf(image, options),
             Icc = ProfileOf(image, options.ColorType),
-            Xmp = (options.XmpData ?? image.XmpData) is { } xmp
-                ? Encoding.UTF8.GetBytes(xmp.GetXmlValue())
-                : null,
+            Xmp = MetadataOf(image, options),
         };
         // Nothing goes to the stream before the first pixels are known to be readable.
         var rows = new PngRows(options.ColorType, options.BitDepth, area.Width, palette);
@@ -50,6 +49,16 @@ internal static class PngExport
         }
         file.Finish();
         stream.Flush();
+    }
+
+    private static byte[]? MetadataOf(RasterImage image, PngOptions options)
+    {
+        if ((options.XmpData ?? image.XmpData) is not { } xmp)
+        {
+            return null;
+        }
+        var written = image.UpdateXmpData ? XmpDates.Renewed(xmp) : xmp;
+        return Encoding.UTF8.GetBytes(written.GetXmlValue());
     }
 
     private static int[] ReadBand(RasterImage image, Rectangle band)

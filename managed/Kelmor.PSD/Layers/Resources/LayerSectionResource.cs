@@ -47,7 +47,7 @@ public sealed class LayerSectionResource : LayerResource
     {
         get =>
             Data.Length >= WithBlendMode
-                ? (BlendMode)BinaryPrimitives.ReadInt32BigEndian(Data.Span[8..])
+                ? BlendModes.Known(BinaryPrimitives.ReadInt32BigEndian(Data.Span[8..]))
                 : BlendMode.Absent;
         set
         {

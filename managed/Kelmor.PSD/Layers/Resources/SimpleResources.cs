@@ -178,7 +178,9 @@ public sealed class LclrResource : LayerResource
     {
         get =>
             Data.Length >= 2
-                ? (SheetColorHighlightEnum)BinaryPrimitives.ReadInt16BigEndian(Data.Span)
+            && (SheetColorHighlightEnum)BinaryPrimitives.ReadInt16BigEndian(Data.Span) is var mark
+            && Enum.IsDefined(mark)
+                ? mark
                 : SheetColorHighlightEnum.NoColor;
         set
         {

@@ -1,5 +1,6 @@
 // Reads the layer and mask information section (Photoshop File Formats Specification).
 using Kelmor.PSD.CoreExceptions.ImageFormats;
+using Kelmor.PSD.FileFormats.Psd.Layers;
 
 namespace Kelmor.PSD.FileFormats.Psd.Reading;
 
@@ -76,6 +77,7 @@ internal static class LayerSectionReader
                 header,
                 recovery
             );
+            LayerTree.VerifyDepth(section.Layers);
         }
         catch (PsdImageException) when (recovery != DataRecoveryMode.None)
         {

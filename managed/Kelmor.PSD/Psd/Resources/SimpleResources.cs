@@ -196,6 +196,10 @@ public sealed class VersionInfoResource : ResourceBlock
             }
         }
     }
+
+    /// <summary>A copy that says that the merged image shows the layers.</summary>
+    internal VersionInfoResource WithRealMergedData() =>
+        new(Signature, NameBytes, Data) { HasRealMergedData = true };
 }
 
 /// <summary>The metadata of a document: resource 1060.</summary>

@@ -14,7 +14,7 @@ internal static class LayerInfoWriter
         var section = file.Layers;
         var info = new SectionWriter(isBig);
         if (
-            section.Layers.Count == 0
+            section is { Place: LayerPlace.LayerInfo, Layers.Count: 0 }
             && !section.HasMergedTransparency
             && section.LayerInfoRest.IsEmpty
         )

@@ -80,6 +80,11 @@ internal static class LayerSectionWriter
                 TaggedBlockWriter.Write(part, block, verbatim);
             }
         }
+        if (NeedsTransparencyMark(section))
+        {
+            var key = TaggedBlocks.TransparencyMark(file.Header.Depth);
+            TaggedBlockWriter.Write(part, TaggedBlocks.Signature, key, default);
+        }
         part.Block(section.Rest);
         return part;
     }
@@ -95,6 +100,11 @@ internal static class LayerSectionWriter
         part.Append(info);
         part.Zeros((int)(-info.Length & 3));
     }
+
+    // The sign of the number of layers tells of transparency; 0 has none.
+    private static bool NeedsTransparencyMark(LayerSection section) =>
+        section is { HasMergedTransparency: true, Layers.Count: 0 }
+        && !section.Blocks.Exists(block => TaggedBlocks.IsTransparencyMark(block.KeyCode));
 
     private static bool HasTextEngine(LayerSection section) =>
         section.Blocks.Exists(block => block.KeyCode == TextEngine);

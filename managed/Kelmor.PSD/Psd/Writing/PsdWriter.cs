@@ -1,7 +1,6 @@
 // Writes a layered document (Photoshop File Formats Specification, Photoshop File Structure).
 using Kelmor.PSD.CoreExceptions;
 using Kelmor.PSD.CoreExceptions.ImageFormats;
-using Kelmor.PSD.FileFormats.Psd.Resources;
 using Kelmor.PSD.ImageOptions;
 
 namespace Kelmor.PSD.FileFormats.Psd.Writing;
@@ -20,20 +19,20 @@ internal static class PsdWriter
         var file = image.File;
         var version = WantedVersion(file, options);
         VerifyKind(file, options);
-        if (options.RefreshImagePreviewData || image.IsNew)
-        {
-            Rendering.MergedPicture.Refresh(image);
-        }
+        var picture =
+            options.RefreshImagePreviewData || image.IsNew ? image.Picture : file.Merged;
         CompressionMethod? method =
             options.CompressionMethod == file.Merged.Method ? null : options.CompressionMethod;
         var isBig = version == PsdVersion.Psb;
         var writer = new SectionWriter(isBig);
         WriteHeader(writer, file.Header with { Version = version });
-        writer.ShortLength(file.ColorModeData.Length);
-        writer.Block(file.ColorModeData);
-        WriteResources(writer, file, options);
+        var colors =
+            options.Palette is { } palette ? IndexedPalette.Pack(palette) : file.ColorModeData;
+        writer.ShortLength(colors.Length);
+        writer.Block(colors);
+        WriteResources(writer, ResourcesToWrite.Of(image, options, picture), file.ResourceRest);
         LayerSectionWriter.Write(writer, file, method, options.RemoveGlobalTextEngineResource);
-        writer.Block(file.Merged.Store(isBig, method));
+        writer.Block(picture.Store(isBig, method));
         writer.CopyTo(stream);
         stream.Flush();
     }
@@ -64,18 +63,29 @@ internal static class PsdWriter
     // Options made without an image ask for RGB of 8 bits; that is no wish to convert.
     private static void VerifyKind(PsdFile file, PsdOptions options)
     {
+        var header = file.Header;
         var isDefault = options is { ColorMode: ColorModes.Rgb, ChannelBitsCount: 8 };
         if (
             !isDefault
-            && (
-                options.ColorMode != file.Header.Mode
-                || options.ChannelBitsCount != file.Header.Depth
-            )
+            && (options.ColorMode != header.Mode || options.ChannelBitsCount != header.Depth)
         )
         {
             throw new NotSupportedException(
-                $"A document of the mode {file.Header.Mode} with {file.Header.Depth} bits "
+                $"A document of the mode {header.Mode} with {header.Depth} bits "
                     + $"is not converted to {options.ColorMode} with {options.ChannelBitsCount} bits."
+            );
+        }
+        if ((options.WantedChannels ?? header.Channels) != header.Channels)
+        {
+            throw new NotSupportedException(
+                $"A document of {header.Channels} channels is not converted to "
+                    + $"{options.ChannelsCount} channels."
+            );
+        }
+        if (options.Palette is not null && header.Mode != ColorModes.Indexed)
+        {
+            throw new NotSupportedException(
+                $"A document of the mode {header.Mode} has no palette: 'Palette' must be null."
             );
         }
         // What is damaged but not changed is written as it was read.
@@ -102,50 +112,19 @@ internal static class PsdWriter
         writer.Int16((short)header.Mode);
     }
 
-    private static void WriteResources(SectionWriter writer, PsdFile file, PsdOptions options)
+    private static void WriteResources(
+        SectionWriter writer,
+        List<ResourceBlock> resources,
+        ReadOnlyMemory<byte> rest
+    )
     {
         var part = new SectionWriter(writer.IsBig);
-        foreach (var resource in ResourcesOf(file, options))
+        foreach (var resource in resources)
         {
             ResourceWriter.Write(part, resource);
         }
-        part.Block(file.ResourceRest);
+        part.Block(rest);
         writer.ShortLength(part.Length);
         writer.Append(part);
-    }
-    // The options may bring metadata and a resolution of their own; the document keeps its own.
-    private static List<ResourceBlock> ResourcesOf(PsdFile file, PsdOptions options)
-    {
-        var resources = new List<ResourceBlock>(options.Resources ?? [.. file.Resources]);
-        if (options.XmpData is { } xmp)
-        {
-            Put(resources, new XmpResource(xmp));
-        }
-        if (options.ResolutionSettings is { } resolution)
-        {
-            Put(
-                resources,
-                new ResolutionInfoResource
-                {
-                    HDpi = resolution.HorizontalResolution,
-                    VDpi = resolution.VerticalResolution,
-                }
-            );
-        }
-        return resources;
-    }
-
-    private static void Put<T>(List<ResourceBlock> resources, T resource)
-        where T : ResourceBlock
-    {
-        var at = resources.FindIndex(candidate => candidate is T);
-        if (at < 0)
-        {
-            resources.Add(resource);
-        }
-        else
-        {
-            resources[at] = resource;
-        }
     }
 }

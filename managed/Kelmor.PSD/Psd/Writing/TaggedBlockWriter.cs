@@ -36,8 +36,8 @@ internal static class TaggedBlockWriter
     /// <summary>Signature, key and length of a block.</summary>
     public static void WriteHead(SectionWriter writer, uint signature, uint key, long length)
     {
-        // "8B64" means something in PSB documents only.
-        writer.UInt32(writer.IsBig ? signature : TaggedBlocks.Signature);
+        signature = TaggedBlocks.SignatureFor(signature, key, writer.IsBig);
+        writer.UInt32(signature);
         writer.UInt32(key);
         if (TaggedBlocks.HasLongLength(signature, key, writer.IsBig))
         {

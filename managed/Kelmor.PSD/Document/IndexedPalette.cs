@@ -1,7 +1,7 @@
 // The palette of an indexed document (Photoshop File Formats, Color Mode Data Section).
 namespace Kelmor.PSD.FileFormats.Psd;
 
-internal static class PaletteReader
+internal static class IndexedPalette
 {
     private const int Entries = 256;
 
@@ -18,5 +18,17 @@ internal static class PaletteReader
             colors[i] = alpha << 24 | data[i] << 16 | data[i + count] << 8 | data[i + 2 * count];
         }
         return colors;
+    }
+
+    /// <summary>The data of a palette; entries that it lacks are black.</summary>
+    public static byte[] Pack(IColorPalette palette)
+    {
+        var data = new byte[3 * Entries];
+        for (var i = 0; i < palette.EntriesCount; i++)
+        {
+            var color = palette.GetColor(i);
+            (data[i], data[i + Entries], data[i + 2 * Entries]) = (color.R, color.G, color.B);
+        }
+        return data;
     }
 }
