@@ -5,6 +5,7 @@ build/python examples/demo.py [FILE.psd] [--output FOLDER]
 
 import argparse
 import pathlib
+import sys
 
 from kelmor.psd import Image, Rectangle
 from kelmor.psd.fileformats.core.blending import BlendMode
@@ -84,10 +85,13 @@ def main():
         path = options.output / "poster.psd"
         make_document(path)
         print(f"made {path}")
-    with load(path) as document:
-        print_tree(document)
-        change_top_layer(document)
-        save_both(document, options.output, path.stem, path.suffix)
+    try:
+        with load(path) as document:
+            print_tree(document)
+            change_top_layer(document)
+            save_both(document, options.output, path.stem, path.suffix)
+    except RuntimeError as failure:  # how every refusal of the library arrives
+        sys.exit(f"{path}: {failure}")
 
 
 if __name__ == "__main__":

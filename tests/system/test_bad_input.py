@@ -51,6 +51,24 @@ def test_what_is_no_document_is_refused(image_class, content):
     proxy_error(failure)
 
 
+def test_groups_nested_beyond_every_program_are_refused(image_class):
+    record = bytes(18) + b"8BIMnorm" + bytes(4)
+    records = b"".join(record + extra([b"8BIMlsct", 4, kind]) for kind in [3] * 5000 + [1] * 5000)
+    info = (10_000).to_bytes(2, "big") + records
+    layers = len(info).to_bytes(4, "big") + info
+    head = b"8BPS" + bytes([0, 1] + [0] * 6 + [0, 3, 0, 0, 0, 1, 0, 0, 0, 1, 0, 8, 0, 3])
+    content = head + bytes(8) + len(layers).to_bytes(4, "big") + layers + bytes(5)
+    with pytest.raises(RuntimeError, match="nested more than 100 deep"):
+        image_class.load(io.BytesIO(content))
+
+
+def extra(block):
+    key, *numbers = block
+    block = key + b"".join(number.to_bytes(4, "big") for number in numbers)
+    length = 12 + len(block)
+    return length.to_bytes(4, "big") + bytes(12) + block
+
+
 def test_a_wrong_argument_lists_the_failure_of_every_signature(image_class):
     with pytest.raises(TypeError) as failure:
         image_class.load(42)
@@ -193,6 +211,76 @@ def test_an_opacity_out_of_range_is_refused(content, value):
         with pytest.raises((TypeError, OverflowError)):
             layer.opacity = value
         assert layer.opacity == before
+
+
+class Stubborn(io.RawIOBase):
+    """A file object that gives the same answer to every write."""
+
+    def __init__(self, answer):
+        self._answer = answer
+
+    def writable(self):
+        return True
+
+    def write(self, data):
+        return self._answer
+
+
+@pytest.mark.parametrize("answer", [None, 0, -3, 2**31 - 1, "many"])
+def test_a_stream_that_answers_nonsense_to_a_write_is_an_error(content, answer):
+    with documents.load(io.BytesIO(content)) as document:
+        with pytest.raises(RuntimeError) as failure:
+            document.save(Stubborn(answer))
+        proxy_error(failure)
+
+
+@pytest.mark.parametrize("source", [io.StringIO("8BPS"), io.StringIO, b"8BPS", 1.5])
+def test_what_is_no_binary_stream_is_a_type_error(image_class, content, source):
+    with pytest.raises(TypeError, match="can't build Stream"):
+        image_class.load(source)
+    with documents.load(io.BytesIO(content)) as document:
+        with pytest.raises(TypeError, match="can't build Stream"):
+            document.save(source)
+
+
+def test_a_file_opened_for_reading_is_not_written(content, tmp_path):
+    path = tmp_path / "read only.psd"
+    path.write_bytes(content)
+    with open(path, "rb") as file, documents.load(file) as document:
+        for save in (lambda: document.save(file), document.save):
+            with pytest.raises(RuntimeError, match="ImageSaveException"):
+                save()
+    assert path.read_bytes() == content
+
+
+def test_a_document_is_written_back_to_the_file_object_that_it_came_from(content, tmp_path):
+    path = tmp_path / "back.psd"
+    path.write_bytes(b"before" + content)
+    with open(path, "r+b") as file:
+        file.seek(6)
+        with documents.load(file) as document:
+            documents.first_layer(document).name = "Changed"
+            document.save()
+    assert path.read_bytes()[:6] == b"before"
+    with documents.load(io.BytesIO(path.read_bytes()[6:])) as document:
+        assert documents.first_layer(document).name == "Changed"
+
+
+def test_saving_and_walking_twice_gives_the_same(content):
+    from kelmor.psd.imageoptions import PngOptions
+
+    with documents.load(io.BytesIO(content)) as document:
+        documents.first_layer(document).opacity = 9
+        psd, png = ([io.BytesIO(), io.BytesIO()] for _ in "12")
+        for stream, picture in zip(psd, png):
+            document.save(stream)
+            document.save(picture, PngOptions())
+        layers = document.layers
+        names = [layer.name for layer in layers]
+        assert [layer.name for layer in layers] == names
+        assert [layer.name for layer in document.layers] == names
+    assert psd[0].getvalue() == psd[1].getvalue()
+    assert png[0].getvalue() == png[1].getvalue()
 
 
 def test_an_unwritable_path_is_an_error(content, tmp_path):
