@@ -174,7 +174,8 @@ public class MovingTests
     {
         var image = new PsdImage(4, 3);
         var layer = image.AddRegularLayer();
-        layer.Record.Mask = new byte[] { 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 2, 255, 0, 0, 0 };
+        byte[] rectangle = [0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 2];
+        layer.Record.Mask = (byte[])[.. rectangle, 255, 0, 0, 0];
         layer.Record.Channels.Add(
             new ChannelInformation(ChannelIds.UserMask)
             {

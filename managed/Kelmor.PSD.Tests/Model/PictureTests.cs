@@ -44,8 +44,8 @@ public class PictureTests
         using var saved = Documents.Loaded(stream.ToArray());
         Assert.True(saved.FindResource<VersionInfoResource>()!.HasRealMergedData);
         Assert.False(image.FindResource<VersionInfoResource>()!.HasRealMergedData);
-        using var merged = (PsdImage)
-            Image.Load(new MemoryStream(stream.ToArray()), new PsdLoadOptions { ReadOnlyMode = true });
+        var asStored = new PsdLoadOptions { ReadOnlyMode = true };
+        using var merged = (PsdImage)Image.Load(new MemoryStream(stream.ToArray()), asStored);
         Assert.Equal(Red, merged.GetArgb32Pixel(0, 0));
     }
 
@@ -110,6 +110,60 @@ public class PictureTests
         Assert.Equal(Red, image.GetArgb32Pixel(0, 0));
     }
 
+    [Theory]
+    [InlineData("knko", new byte[] { 0, 0, 0, 0 }, true)]
+    [InlineData("knko", new byte[] { 1, 0, 0, 0 }, false)]
+    [InlineData("vmsk", new byte[] { 0, 0, 0, 3 }, false)]
+    [InlineData("lrFX", new byte[] { 0, 0, 0, 0 }, false)]
+    [InlineData("brst", new byte[0], true)]
+    [InlineData("brst", new byte[] { 0, 0, 0, 1 }, false)]
+    public void A_layer_that_needs_more_than_pixels_keeps_the_stored_image(
+        string key,
+        byte[] data,
+        bool isRendered
+    )
+    {
+        using var image = Documents.Again(RedDocument());
+        var layer = image.Layers[0];
+        var code = TaggedBlocks.Code(key);
+        layer.Record.Blocks.Add(
+            LayerResourceKinds.Create(TaggedBlocks.Signature, code, data, default)
+        );
+        layer.IsVisible = false;
+        Assert.Equal(isRendered ? 0 : 255, image.GetPixel(0, 0).A);
+    }
+
+    [Theory]
+    [InlineData("masterFXSwitchbool\u0001", true)]
+    [InlineData("masterFXSwitchbool\u0001 DrSh enabbool\0", true)]
+    [InlineData("masterFXSwitchbool\u0001 DrSh enabbool\u0001", false)]
+    [InlineData("masterFXSwitchbool\0 DrSh enabbool\u0001", true)]
+    public void Effects_that_are_switched_off_are_none(string descriptor, bool isRendered)
+    {
+        using var image = Documents.Again(RedDocument());
+        var layer = image.Layers[0];
+        var data = System.Text.Encoding.ASCII.GetBytes(descriptor);
+        foreach (var key in (string[])["lfx2", "lrFX"])
+        {
+            var code = TaggedBlocks.Code(key);
+            var block = LayerResourceKinds.Create(TaggedBlocks.Signature, code, data, default);
+            layer.Record.Blocks.Add(block);
+        }
+        layer.IsVisible = false;
+        Assert.Equal(isRendered ? 0 : 255, image.GetPixel(0, 0).A);
+    }
+
+    [Theory]
+    [InlineData(new byte[] { 0, 0, 255, 255, 0, 0, 255, 255 }, true)]
+    [InlineData(new byte[] { 0, 9, 255, 255, 0, 0, 255, 255 }, false)]
+    public void Blending_by_brightness_keeps_the_stored_image(byte[] ranges, bool isRendered)
+    {
+        using var image = Documents.Again(RedDocument());
+        image.Layers[0].Record.BlendingRanges = ranges;
+        image.Layers[0].IsVisible = false;
+        Assert.Equal(isRendered ? 0 : 255, image.GetPixel(0, 0).A);
+    }
+
     private static PsdImage RedDocument()
     {
         var image = new PsdImage(40, 2);
@@ -124,9 +178,11 @@ public class PictureTests
         using var made = RedDocument();
         var image = Documents.Again(made);
         var planes = image.File.Merged.Decode();
-        image.File.Merged.Replace([.. planes.Select(plane => plane.Select(_ => (byte)255).ToArray())]);
+        var white = planes.Select(plane => Enumerable.Repeat((byte)255, plane.Length).ToArray());
+        image.File.Merged.Replace([.. white]);
+        byte[] version = [0, 0, 0, 1, 0];
         image.File.Resources.Add(
-            new VersionInfoResource(ResourceBlock.DefaultSignature, default, new byte[] { 0, 0, 0, 1, 0 })
+            new VersionInfoResource(ResourceBlock.DefaultSignature, default, version)
         );
         return image;
     }

@@ -72,7 +72,8 @@ internal static class PsdWriter
         {
             throw new NotSupportedException(
                 $"A document of the mode {header.Mode} with {header.Depth} bits "
-                    + $"is not converted to {options.ColorMode} with {options.ChannelBitsCount} bits."
+                    + $"is not converted to {options.ColorMode} with "
+                    + $"{options.ChannelBitsCount} bits."
             );
         }
         if ((options.WantedChannels ?? header.Channels) != header.Channels)
