@@ -27,8 +27,8 @@ _WIDTHS = {
 }
 
 
-# A type of another module, by the form that its capsule tells; converters and names are filled in.
-_SIBLING_CLASS = Form(
+# Bound types by their kind, of this module or another one; converters and names are filled in.
+_CLASS = Form(
     local="void *{v} = nullptr;",
     converter="",
     target="&{v}",
@@ -44,28 +44,40 @@ _SIBLING_CLASS = Form(
     py_in="",
     py_out="",
 )
-_SIBLINGS = {
-    "class": _SIBLING_CLASS,
-    "struct": dataclasses.replace(
-        _SIBLING_CLASS,
-        local="VariantArg {v};",
-        passed="&{v}",
-        c_param="const VariantArg *",
-        cs_param="VariantArg*",
-        cs_read="Args.Struct<{t}>({v})",
-        cs_write="Results.Struct({v})",
-    ),
-    "enum": dataclasses.replace(
-        _SIBLING_CLASS,
-        local="int {v} = 0;",
-        c_param="int",
-        cs_param="int",
+_STRUCT = dataclasses.replace(
+    _CLASS,
+    local="VariantArg {v};",
+    passed="&{v}",
+    c_param="const VariantArg *",
+    cs_param="VariantArg*",
+    cs_read="Args.Struct<{t}>({v})",
+    cs_write="Results.Struct({v})",
+)
+_INTERFACE = dataclasses.replace(
+    _STRUCT,
+    cs_read="Args.Interface<{t}>({v})",
+    c_result="PyObjectOutArg",
+    by_slot=True,
+    cs_result="PyObjectOutArg*",
+    cs_write="Results.Interface({v}, {r})",
+)
+
+
+def _enumeration(native: str, managed: str) -> Form:
+    return dataclasses.replace(
+        _CLASS,
+        local=f"{native} {{v}} = 0;",
+        c_param=native,
+        cs_param=managed,
         cs_read="(({t}){v})",
-        c_result="int",
-        cs_result="int",
-        cs_write="(int){v}",
-    ),
-}
+        c_result=native,
+        cs_result=managed,
+        cs_write=f"({managed}){{v}}",
+    )
+
+
+# A type of another module, by the form that its capsule tells.
+_SIBLINGS = {"class": _CLASS, "struct": _STRUCT, "enum": _enumeration("int", "int")}
 
 
 def cs_type(name: str) -> str:
@@ -138,63 +150,20 @@ class Forms:
         native, _ = self._extension.tags[type_.full_name]
         symbol = f"{native}_{type_.simple_name}"
         python = self._extension.python_name(type_)
-        if type_.kind == "enum":
-            return self._enum(type_, symbol, python)
-        if type_.kind == "class":
-            return Form(
-                local="void *{v} = nullptr;",
-                converter=f"wrpPy_conv_py_to_clr_{symbol}",
-                target="&{v}",
-                passed="{v}",
-                c_param="void *",
-                cs_param="nint",
-                cs_read="Handles.Optional<{t}>({v})",
-                c_result="void *",
-                by_slot=False,
-                c_to_py=f"wrpPy_conv_clr_to_py_{symbol}({{v}})",
-                cs_result="nint",
-                cs_write="Results.Object({v})",
-                py_in=python,
-                py_out=python,
-                by_reference=True,
-            )
-        interface = type_.kind == "interface"
-        return Form(
-            local="VariantArg {v};",
+        return dataclasses.replace(
+            self._shape(type_),
             converter=f"wrpPy_conv_py_to_clr_{symbol}",
-            target="&{v}",
-            passed="&{v}",
-            c_param="const VariantArg *",
-            cs_param="VariantArg*",
-            cs_read="Args.Interface<{t}>({v})" if interface else "Args.Struct<{t}>({v})",
-            c_result="PyObjectOutArg" if interface else "void *",
-            by_slot=interface,
             c_to_py=f"wrpPy_conv_clr_to_py_{symbol}({{v}})",
-            cs_result="PyObjectOutArg*" if interface else "nint",
-            cs_write="Results.Interface({v}, {r})" if interface else "Results.Struct({v})",
             py_in=python,
             py_out=python,
+            by_reference=type_.kind in ("class", "enum"),
         )
 
-    def _enum(self, type_: Type, symbol: str, python: str) -> Form:
-        number = number_type(type_)
-        return Form(
-            local=f"{number} {{v}} = 0;",
-            converter=f"wrpPy_conv_py_to_clr_{symbol}",
-            target="&{v}",
-            passed="{v}",
-            c_param=number,
-            cs_param=cs_number(type_),
-            cs_read="(({t}){v})",
-            c_result=number,
-            by_slot=False,
-            c_to_py=f"wrpPy_conv_clr_to_py_{symbol}({{v}})",
-            cs_result=cs_number(type_),
-            cs_write=f"({cs_number(type_)}){{v}}",
-            py_in=python,
-            py_out=python,
-            by_reference=True,
-        )
+    @staticmethod
+    def _shape(type_: Type) -> Form:
+        if type_.kind == "enum":
+            return _enumeration(number_type(type_), cs_number(type_))
+        return {"class": _CLASS, "struct": _STRUCT, "interface": _INTERFACE}[type_.kind]
 
     def _sibling(self, name: str) -> Form:
         """A type of another module of the family, through the words of its capsule."""

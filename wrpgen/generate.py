@@ -5,7 +5,8 @@ from __future__ import annotations
 from pathlib import Path
 
 from . import generics, managed, model, stubs, tree, units
-from .families import Composer, Family
+from .families import Composer
+from .family import Family
 from .output import write_all
 
 

@@ -5,7 +5,7 @@ from __future__ import annotations
 from dataclasses import dataclass, field
 from types import SimpleNamespace
 
-from .families import Argument, Call, Family, Property, StaticField
+from .family import Argument, Call, Family, Property, StaticField
 from .basic_forms import Form
 from .forms import cs_type
 from .model import Extension

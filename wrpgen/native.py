@@ -9,7 +9,7 @@ from pathlib import Path
 import jinja2
 
 from . import names
-from .families import Argument, Call, Family, Method, Property, StaticField
+from .family import Argument, Call, Family, Method, Property, StaticField
 from .basic_forms import Form
 from .layout import LINE, wrapped
 

@@ -6,7 +6,7 @@ import keyword
 import re
 from pathlib import Path
 
-from .families import Call, Family, Method, Property, StaticField
+from .family import Call, Family, Method, Property, StaticField
 from .model import Extension
 from .units import _value_name
 

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from types import SimpleNamespace
 
-from .families import Family
+from .family import Family
 from .generics import Instance
 from .model import Capsule, Extension
 from .native import environment, wrapped

@@ -5,7 +5,7 @@ from __future__ import annotations
 from types import SimpleNamespace
 
 from . import names
-from .families import Family, Method, Property, StaticField
+from .family import Family, Method, Property, StaticField
 from .model import EnumValue
 from .native import CallText, environment, groups, host_entries, result_lines, wrapped
 
