@@ -96,8 +96,7 @@ def test_a_text_that_is_encoded_as_something_else(in_process):
 @behaviour("collections-reverse.unicode-bytes.rare-texts")
 def test_a_text_that_is_not_ready(in_process):
     if sys.version_info >= (3, 12):
-        assert b"unicode object is not ready\0" in extension_path().read_bytes()
-        return
+        pytest.skip("on this interpreter every str is ready")
 
     def program():
         import ctypes
