@@ -14,7 +14,10 @@ DEBIAN_PACKAGES = pathlib.Path("/usr/lib/python3/dist-packages")
 SHARED_PACKAGES = """_pytest pytest pluggy iniconfig packaging attr attrs exceptiongroup tomli
     hypothesis sortedcontainers _hypothesis_pytestplugin.py _hypothesis_ftz_detector.py py py.py
     xdist execnet pytest_timeout.py""".split()
-PLUGINS = ["-p", "xdist.plugin", "-p", "pytest_timeout", "-p", "_hypothesis_pytestplugin"]
+# Links have no metadata of their own by which pytest would find its plugins.
+LINKED = ["-p", "xdist.plugin", "-p", "pytest_timeout", "-p", "_hypothesis_pytestplugin"]
+# Debian's pytest is older than the newest interpreters.
+LINKED += ["-W", "ignore::DeprecationWarning:_pytest.assertion.rewrite"]
 FOLDERS = ["boundary", "golden", "package", "properties", "system"]
 
 
@@ -71,8 +74,7 @@ def run_pytest(options, folders):
     if not paths:
         return 0, []
     command = [launcher, "-m", "pytest", f"--junitxml={options.reports / 'pytest.xml'}"]
-    # Links have no metadata of their own by which pytest would find its plugins.
-    command += PLUGINS if links else []
+    command += LINKED if links else []
     command += ["-n", str(options.jobs)] if options.jobs > 1 else []
     code, lines = run("pytest", command + paths, env=environment)
     return code, [line for line in lines if line][-1:] or [f"pytest ended with code {code}"]
