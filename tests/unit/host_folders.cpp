@@ -347,6 +347,7 @@ TEST_F(AssemblySearch, DoesNotLookIntoTheFolders) {
     EXPECT_EQ(sorted(found()), (List{root.path("empty"), root.path("full")}));
     chmod(root.path("empty").c_str(), 0);
     expect_as_nobody([&] { return found().size() == 2; });
+    chmod(root.path("empty").c_str(), 0755); // it is removed again by whoever runs the tests
 }
 
 TEST_F(AssemblySearch, TakesTheDebugFoldersThatThereAre) {
