@@ -4,7 +4,7 @@ import ctypes
 import io
 import sys
 
-from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, text_of
+from wrappers import INT, OBJECT, POINTER, NameBlocks, handle_of, raised, scene, text_of
 
 
 def finder(s, name, key):
@@ -173,44 +173,28 @@ def test_an_interface_result_falls_back_to_the_interface(s):
 
 @scene("binding-registry.name-block.freed")
 def test_a_name_block_is_freed_once_whether_its_name_is_known_or_not(s):
-    class Usage(ctypes.Structure):
-        _fields_ = [(f"field_{i}", ctypes.c_size_t) for i in range(10)]
-
-    libc = ctypes.CDLL(None)
-    libc.malloc.restype, libc.malloc.argtypes = POINTER, [ctypes.c_size_t]
-    libc.mallinfo2.restype = Usage
-    create = s.function("fn_create_u16_buffer", POINTER, POINTER, INT)
-    asked, held, kept = [], [], []
-
-    # So large a block has a mapping of its own, and the C library counts those. A sanitizer keeps
-    # what was freed, and looks itself for a second time.
-    counts = not hasattr(libc, "__asan_init")
-
-    def mappings():
-        return libc.mallinfo2().field_3 if counts else 0
+    blocks = NameBlocks(s)
+    asked, held, named = [], [], []
 
     def answer(frame):
         asked.append(frame.integers[0])
-        large = libc.malloc(1 << 28)
-        POINTER.from_address(large).value = POINTER.from_address(kept[-1]).value
-        frame.result = large
-        held.append(mappings())
+        frame.result = blocks.make(named[-1])
+        held.append(blocks.mapped())
 
     s.method("Exchange", "GetTypeName").calls(answer)
     read = reader(s, "fn_conv_clr_absobj_to_py_absobj")
     find = s.function("get_py_type_object_by_obj", POINTER, POINTER, ctypes.c_int64)
     stream = s.interop._StreamWrapper
-    before = mappings()
+    before = blocks.mapped()
     for token, name in enumerate(["Sample.Derived", "Sample.Unknown"], 50):
-        text = ctypes.create_string_buffer(name.encode("utf-16-le") + b"\0\0")
-        kept.append(create(ctypes.addressof(text), len(name)))
+        named.append(name)
         known = name == "Sample.Derived"
         shown = read(collection_record(s, 0, 0x100 + token, token), stream)
-        assert type(shown) is (s.Derived if known else stream) and mappings() == before
+        assert type(shown) is (s.Derived if known else stream) and blocks.mapped() == before
         assert find(0x200 + token, token) == (id(s.Derived) if known else None)
-        assert mappings() == before
+        assert blocks.mapped() == before
     # A second free would end the process.
-    assert asked == [0x132, 0x232, 0x133, 0x233] and held == [before + counts] * 4
+    assert asked == [0x132, 0x232, 0x133, 0x233] and held == [before + blocks.counts] * 4
 
 
 @scene("binding-markers.sets.independent")

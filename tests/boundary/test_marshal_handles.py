@@ -5,8 +5,17 @@ import gc
 import io
 import sys
 
-import pytest
-from wrappers import INT, OBJECT, POINTER, handle_of, raised, scene, sibling_wrapper, text_of
+from wrappers import (
+    INT,
+    OBJECT,
+    POINTER,
+    NameBlocks,
+    handle_of,
+    raised,
+    scene,
+    sibling_wrapper,
+    text_of,
+)
 
 
 def as_variant(s, value):
@@ -146,42 +155,23 @@ def test_a_handle_that_cannot_be_wrapped_is_given_back_at_once(s):
     assert s.calls("FreeInstance") == [[0x5000]]
 
 
-@pytest.mark.skipif(
-    hasattr(ctypes.CDLL(None), "__asan_init"),
-    reason="the sanitizer has an allocator of its own, which counts no mappings",
-)
 @scene("marshal-records.service.type-name-cell-freed")
 def test_the_cell_of_a_type_name_is_freed_once(s):
-    class Usage(ctypes.Structure):
-        _fields_ = [(f"field_{i}", ctypes.c_size_t) for i in range(10)]
-
-    libc = ctypes.CDLL(None)
-    libc.malloc.restype, libc.malloc.argtypes = POINTER, [ctypes.c_size_t]
-    libc.mallinfo2.restype = Usage
-
-    # So large a block has a mapping of its own, and the C library counts those.
-    def mappings():
-        return libc.mallinfo2().field_3
-
-    create = s.function("fn_create_u16_buffer", POINTER, POINTER, INT)
-    text = ctypes.create_string_buffer("Sample.Derived".encode("utf-16-le") + b"\0\0")
+    blocks = NameBlocks(s)
     seen = []
 
     def answer(frame):
-        small = POINTER.from_address(create(ctypes.addressof(text), 14))
-        large = libc.malloc(1 << 28)
-        POINTER.from_address(large).value = small.value
-        frame.result = large
-        seen.append(mappings())
+        frame.result = blocks.make("Sample.Derived")
+        seen.append(blocks.mapped())
 
     s.method("Exchange", "GetTypeName").calls(answer)
-    before = mappings()
+    before = blocks.mapped()
     for token in range(100, 103):
         shown = result_of(s, "fn_conv_clr_absobj_to_py_absobj", 0x5000, 0, token)
         assert type(shown) is s.Derived
-        assert mappings() == before
+        assert blocks.mapped() == before
     # A second free would end the process.
-    assert seen == [before + 1] * 3
+    assert seen == [before + blocks.counts] * 3
 
 
 @scene("marshal-records.service.free-pending-never-called", "marshal-records.service.delegates")

@@ -116,6 +116,34 @@ def sibling_wrapper(handle, marker=None):
     return made
 
 
+class NameBlocks:
+    """Answers for "GetTypeName" in blocks so large that each has a mapping of its own.
+
+    The C library counts those. A sanitizer keeps what was freed and counts nothing, but ends the
+    process at a second free by itself.
+    """
+
+    def __init__(self, scene):
+        class Usage(ctypes.Structure):
+            _fields_ = [(f"field_{i}", ctypes.c_size_t) for i in range(10)]
+
+        self._libc = ctypes.CDLL(None)
+        self._libc.malloc.restype, self._libc.malloc.argtypes = POINTER, [ctypes.c_size_t]
+        self._libc.mallinfo2.restype = Usage
+        self._create = scene.function("fn_create_u16_buffer", POINTER, POINTER, INT)
+        self.counts = not hasattr(self._libc, "__asan_init")
+
+    def mapped(self):
+        return self._libc.mallinfo2().field_3 if self.counts else 0
+
+    def make(self, name):
+        text = ctypes.create_string_buffer(name.encode("utf-16-le") + b"\0\0")
+        small = POINTER.from_address(self._create(ctypes.addressof(text), len(name)))
+        large = self._libc.malloc(1 << 28)
+        POINTER.from_address(large).value = small.value
+        return large
+
+
 def i32(word):
     """The 32-bit number in a register."""
     return ctypes.c_int32(word & 0xFFFFFFFF).value
